@@ -1,0 +1,3 @@
+#include "util/Counted.h"
+
+Counted::~Counted() = default;

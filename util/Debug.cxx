@@ -1,0 +1,5 @@
+#include "util/Debug.h"
+
+qzDebug::qzDebug(unsigned char) {}
+
+void qzDebug::parseOption(qzStr&) {}

@@ -1,0 +1,31 @@
+#include "util/DictIter.h"
+
+#include "util/detail/Chains.h"
+
+qzDictIter& qzDictIter::operator=(qzDictionary& d) {
+    if (dict) dict->removeIter(this);
+    attach(d);
+    return *this;
+}
+
+void qzDictIter::attach(qzDictionary& d) {
+    dict = &d;
+    d.addIter(this);
+    flags &= ~removedBit;
+    bucket = ~0u; // in front of the first chain
+    nextChain();
+}
+
+void qzDictIter::nextChain() {
+    if (qzEnterNextChain(*this, dict->buckets)) return;
+    dict->removeIter(this);
+    dict = nullptr;
+    flags |= removedBit;
+}
+
+// Also for an iterator that is already behind a removed entry: the next one is
+// being removed now, so it has to move on rather than clear its state.
+void qzDictIter::leaveNode() {
+    step();
+    if (dict) flags |= removedBit;
+}

@@ -1,0 +1,3 @@
+#include "util/RCObj.h"
+
+qzRCObj::~qzRCObj() = default;

@@ -1,0 +1,237 @@
+#include "util/Set.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "util/Fatal.h"
+#include "util/SetIter.h"
+#include "util/TmpSet.h"
+#include "util/detail/Chains.h"
+#include "xdr/Transcriber.h"
+
+qzTypeObj qzSet_type("qzSet", 1, nullptr, nullptr, qzSet::xdr);
+
+qzSetBucket::~qzSetBucket() { qzRawFree(kvmem); }
+
+qzSet::qzSet(unsigned keySize, unsigned initialBuckets)
+    : buckets(initialBuckets ? initialBuckets : qzDefaultChains), numItems(0), keySize(keySize) {}
+
+qzSet::qzSet(const qzSet& other) : qzXDRObj(), numItems(0), keySize(0) {
+    if (other.size()) qzFatal("qzSet: a set that holds keys cannot be copied");
+}
+
+qzSet::qzSet(qzTypeObj& type) : qzXDRObj(type), numItems(0), keySize(0) {}
+
+qzSet& qzSet::operator=(const qzSet& other) {
+    if (this == &other) return *this;
+    if (other.size()) qzFatal("qzSet: a set that holds keys cannot be assigned");
+    cleanup();
+    buckets.resize(0);
+    iters.resize(0);
+    return *this;
+}
+
+qzSet::~qzSet() = default;
+
+unsigned char qzSet::xdr(qzTranscriber& t) { return t.xdr(qzSet_type, this, this); }
+
+unsigned char qzSet::xdr(void* object, qzTranscriber& t) {
+    return static_cast<qzSet*>(object)->xdr(t);
+}
+
+qzTypeObj& qzSet::getTypeObj() const { return qzSet_type; }
+
+unsigned qzSet::hashKey(const void* key) const { return qzHashWords(key, keySize); }
+
+int qzSet::compareKeys(const void* a, const void* b) const {
+    return keySize ? std::memcmp(a, b, keySize) : 0;
+}
+
+void qzSet::copyKey(const void* src, void* dst) const { qzRawMove(dst, src, keySize); }
+
+void qzSet::destroyKey(void*) const {}
+
+// Every lookup comes through here. An empty set is not looked into: it may have
+// no chains, or after cleanup() stale ones.
+qzSet::Place qzSet::locate(const void* key) const {
+    const unsigned chains = buckets.length();
+    if (chains == 0) return {0, nullptr, nullptr};
+    const unsigned chain = hashKey(key) % chains;
+    if (numItems == 0) return {chain, nullptr, nullptr};
+    return qzFindInChain<qzSetBucket>(buckets, chain, [this, key](const void* nodeKey) {
+        return compareKeys(key, nodeKey) == 0;
+    });
+}
+
+void qzSet::link(unsigned chain, char* block) {
+    assert(numItems || !buckets[chain]); // no use after cleanup()
+    buckets[chain] = new qzSetBucket(block, buckets[chain]);
+    ++numItems;
+}
+
+void qzSet::add(const void* key) {
+    const Place place = locate(key);
+    if (place.node) return;
+    if (buckets.length() == 0) qzFatal("qzSet: the copy of a set takes no keys");
+    char* block = static_cast<char*>(qzRawAlloc(keySize));
+    copyKey(key, block);
+    link(place.chain, block);
+}
+
+void* qzSet::find(const void* key) const {
+    const qzSetBucket* node = locate(key).node;
+    return node ? node->kvmem : nullptr;
+}
+
+// The rest of a removal, once the key is destroyed.
+void qzSet::discard(qzSetBucket* node) {
+    invalidateIters(node);
+    delete node;
+    --numItems;
+}
+
+void qzSet::removeAt(const Place& place) {
+    qzUnlink(buckets, place);
+    destroyKey(place.node->kvmem);
+    discard(place.node);
+}
+
+void qzSet::remove(const void* key) {
+    const Place place = locate(key);
+    if (place.node) removeAt(place);
+}
+
+qzSet& qzSet::operator|=(const qzSet& other) {
+    qzVisitNodes(other.buckets, [this](qzSetBucket* node, unsigned) {
+        add(node->kvmem);
+        return true;
+    });
+    return *this;
+}
+
+qzSet& qzSet::operator&=(const qzSet& other) {
+    for (unsigned chain = 0; chain < buckets.length(); ++chain) {
+        Place place = {chain, buckets[chain], nullptr};
+        while (place.node) {
+            qzSetBucket* const next = place.node->next;
+            if (other.contains(place.node->kvmem)) {
+                place.previous = place.node;
+            } else {
+                removeAt(place);
+            }
+            place.node = next;
+        }
+    }
+    return *this;
+}
+
+qzSet& qzSet::operator-=(const qzSet& other) {
+    qzVisitNodes(other.buckets, [this](qzSetBucket* node, unsigned) {
+        remove(node->kvmem);
+        return true;
+    });
+    return *this;
+}
+
+namespace {
+
+[[noreturn]] void unimplemented(const char* signature) {
+    std::printf("Unimplemented operator overloading is called!  %s\n", signature);
+    std::fflush(stdout); // abort() does not
+    std::abort();
+}
+
+} // namespace
+
+qzTmpSet qzSet::operator|(const qzSet&) const {
+    unimplemented("qzTmpSet operator|(qzSet const &)");
+}
+
+qzTmpSet qzSet::operator&(const qzSet&) const {
+    unimplemented("qzTmpSet operator&(qzSet const &)");
+}
+
+qzTmpSet qzSet::operator-(const qzSet&) const {
+    unimplemented("qzTmpSet operator-(qzSet const &)");
+}
+
+void qzSet::cleanup() {
+    if (numItems) {
+        qzVisitNodes(buckets, [this](qzSetBucket* node, unsigned) {
+            destroyKey(node->kvmem);
+            discard(node);
+            return true;
+        });
+    } // else the heads may be stale: this is the second time
+    for (unsigned i = 0; i < iters.length(); ++i) {
+        qzSetIter* iter = iters[i];
+        iter->set = nullptr;
+        iter->node = nullptr;
+    }
+}
+
+void qzSet::removeIter(qzSetIter* iter) {
+    const int i = iters.find(iter);
+    if (i >= 0) iters.remove(i, 1);
+}
+
+void qzSet::invalidateIters(const qzSetBucket* bucket) const { qzInvalidateIters(iters, bucket); }
+
+// Transcription
+
+unsigned char qzSet::xdrKeys(qzTranscriber& t, unsigned streamKeySize) {
+    return t.isReading() ? readKeys(t, streamKeySize) : writeKeys(t, streamKeySize);
+}
+
+unsigned char qzSet::writeKeys(qzTranscriber& t, unsigned streamKeySize) {
+    unsigned chains = buckets.length();
+    if (!t.xdr(&numItems, 1)) return 0;
+    if (!t.xdr(&streamKeySize, 1)) return 0;
+    if (!t.xdr(&chains, 1)) return 0;
+    return qzVisitNodes(buckets, [this, &t](qzSetBucket* node, unsigned chain) {
+        return xdrKey(t, node->kvmem) && t.xdr(&chain, 1);
+    });
+}
+
+// A class that has not said what its key size is (it is 0) takes the stream's.
+// A key size of 0 without keys is what the copy of an empty set writes.
+unsigned char qzSet::readKeys(qzTranscriber& t, unsigned streamKeySize) {
+    unsigned keys, readKeySize, chains;
+    if (!t.xdr(&keys, 1)) return 0;
+    if (!t.xdr(&readKeySize, 1)) return 0;
+    if (!t.xdr(&chains, 1)) return 0;
+    if (streamKeySize == 0) {
+        keySize = readKeySize;
+    } else if (readKeySize != streamKeySize && (readKeySize || keys)) {
+        return 0;
+    }
+    cleanup(); // a set that is read into again
+    iters.resize(0);
+    if (!buckets.tryReplace(chains)) return 0;
+    for (unsigned i = 0; i < keys; ++i) {
+        if (!readKey(t)) return 0;
+    }
+    return 1;
+}
+
+unsigned char qzSet::readKey(qzTranscriber& t) {
+    char* block = static_cast<char*>(qzRawTryAlloc(keySize));
+    if (!block && keySize) return 0;
+    qzRawZero(block, keySize);
+    if (xdrKey(t, block)) {
+        unsigned chain;
+        if (t.xdr(&chain, 1) && chain < buckets.length()) {
+            link(chain, block);
+            return 1;
+        }
+        destroyKey(block);
+    }
+    qzRawFree(block);
+    return 0;
+}
+
+// qzTmpSet
+
+qzTmpSet::~qzTmpSet() { cleanup(); }
+
+unsigned char qzTmpSet::xdrKey(qzTranscriber&, void*) { return 0; }

@@ -1,0 +1,33 @@
+#include "util/SetIter.h"
+
+#include "util/detail/Chains.h"
+
+qzSetIter& qzSetIter::operator=(qzSet& s) {
+    if (set) set->removeIter(this);
+    attach(s);
+    return *this;
+}
+
+qzSetIter::~qzSetIter() {
+    if (set) set->removeIter(this);
+}
+
+void qzSetIter::attach(qzSet& s) {
+    set = &s;
+    s.addIter(this);
+    flags &= ~removedBit;
+    bucket = ~0u; // in front of the first chain
+    nextChain();
+}
+
+void qzSetIter::nextChain() {
+    if (qzEnterNextChain(*this, set->buckets)) return;
+    set->removeIter(this);
+    set = nullptr;
+    flags |= removedBit;
+}
+
+void qzSetIter::leaveNode() {
+    step();
+    if (set) flags |= removedBit;
+}

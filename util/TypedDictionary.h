@@ -1,0 +1,109 @@
+// qzTypedDictionary: the pattern of the typed dictionaries.
+//
+// A member of the family fixes key and value types and has no fields of its
+// own; keys and values are constructed in place in the base's blocks.
+//
+//     class qzVoidPtrDict : public qzTypedDictionary<qzVoidPtrDict, qzStrKeys, void*>
+//
+// Derived is the member itself. Keys names the key type and tells how to hash
+// and compare it; see util/StrKeys.h.
+//
+// Ownership: values that are pointers are not owned.
+// Cost, errors and order are qzDictionary's.
+#ifndef QZ_UTIL_TYPEDDICTIONARY_H
+#define QZ_UTIL_TYPEDDICTIONARY_H
+
+#include "util/DictIter.h"
+#include "util/Dictionary.h"
+#include "util/TypedEntry.h"
+#include "xdr/StreamSize.h"
+
+template <class Derived, class Keys, class V> class QZ_EXPORT qzTypedDictionary
+    : public qzDictionary {
+  public:
+    using Key = typename Keys::Key;
+    using Value = V;
+
+    // initialBuckets chains, 31 when that is 0.
+    explicit qzTypedDictionary(unsigned initialBuckets = 0)
+        : qzDictionary(sizeof(Key), sizeof(Value), initialBuckets) {}
+    // Has the source's chains, each in reverse order.
+    qzTypedDictionary(const qzTypedDictionary& other) : qzDictionary(other) {
+        qzDictionary::operator=(other);
+    }
+    explicit qzTypedDictionary(qzTypeObj& type) : qzDictionary(type) {
+        keySize = sizeof(Key);
+        valueSize = sizeof(Value);
+    }
+    ~qzTypedDictionary() override { cleanup(); }
+
+    // Merges, as qzDictionary's does.
+    qzTypedDictionary& operator=(const qzTypedDictionary& other) {
+        qzDictionary::operator=(other);
+        return *this;
+    }
+
+    const char* className() const override { return "DICT"; }
+
+    // Inserts the entry, or replaces the value of a key that is here.
+    void add(const Key& key, const Value& value) { addInternal(&key, &value); }
+    // Address of the value, or null. Deliberate: the second argument is accepted
+    // and never written; callers pass what they have at hand. Pinned by
+    // qzStrStrDictionary.FindLeavesItsSecondArgumentAlone.
+    Value* find(const Key& key, Value** = nullptr) const {
+        return static_cast<Value*>(qzDictionary::find(&key));
+    }
+    // The value; an absent key is inserted with an empty one (null, 0).
+    Value& operator[](const Key& key) { return *static_cast<Value*>(findCreate(&key)); }
+    // Removes the entry; returns a block from malloc that holds its live value,
+    // to be destroyed and freed by the caller, or null. The key is taken by
+    // value: it may be the dictionary's own.
+    Value* cut(Key key) { return static_cast<Value*>(qzDictionary::cut(&key)); }
+    void remove(Key key) { qzDictionary::remove(&key); }
+
+    unsigned char doxdr(qzTranscriber& t) {
+        return xdrEntries(t, qzStreamSize<Key>(), qzStreamSize<Value>());
+    }
+
+  protected:
+    // slots 8-16
+    unsigned hashKey(const void* key) const override {
+        return Keys::hash(qzTypedEntry<Key>::at(key));
+    }
+    int compareKeys(const void* a, const void* b) const override {
+        return Keys::compare(qzTypedEntry<Key>::at(a), qzTypedEntry<Key>::at(b));
+    }
+    void copyKey(const void* src, void* dst) const override { qzTypedEntry<Key>::copy(src, dst); }
+    void destroyKey(void* key) const override { qzTypedEntry<Key>::destroy(key); }
+    void copyValue(const void* src, void* dst) const override {
+        qzTypedEntry<Value>::copy(src, dst);
+    }
+    void destroyValue(void* value) const override { qzTypedEntry<Value>::destroy(value); }
+    void createValue(void* dst) const override { qzTypedEntry<Value>::create(dst); }
+    unsigned char xdrKey(qzTranscriber& t, void* key) override {
+        return qzTypedEntry<Key>::xdr(t, key);
+    }
+    unsigned char xdrValue(qzTranscriber& t, void* value) override {
+        return qzTypedEntry<Value>::xdr(t, value);
+    }
+};
+
+// qzTypedDictIter: the iterator of a member; what it points at has its type.
+template <class Dictionary> class qzTypedDictIter : public qzDictIter {
+  public:
+    using Key = typename Dictionary::Key;
+    using Value = typename Dictionary::Value;
+
+    qzTypedDictIter() {}
+    explicit qzTypedDictIter(Dictionary& d) : qzDictIter(d) {}
+    explicit qzTypedDictIter(Dictionary* d) : qzDictIter(*d) {}
+    qzTypedDictIter& operator=(Dictionary& d) {
+        qzDictIter::operator=(d);
+        return *this;
+    }
+
+    const Key* getKey() const { return static_cast<const Key*>(qzDictIter::getKey()); }
+    Value* getValue() const { return static_cast<Value*>(qzDictIter::getValue()); }
+};
+
+#endif

@@ -1,0 +1,87 @@
+// qzTypedSet: the pattern of the typed sets.
+//
+//     class qzStrSet : public qzTypedSet<qzStrSet, qzStrKeys>
+//
+// Works as the pattern of the typed dictionaries; see util/TypedDictionary.h.
+#ifndef QZ_UTIL_TYPEDSET_H
+#define QZ_UTIL_TYPEDSET_H
+
+#include "util/SetIter.h"
+#include "util/TmpSet.h"
+#include "util/TypedEntry.h"
+#include "xdr/StreamSize.h"
+
+template <class Derived, class Keys> class QZ_EXPORT qzTypedSet : public qzSet {
+  public:
+    using Key = typename Keys::Key;
+
+    // initialBuckets chains, 31 when that is 0.
+    explicit qzTypedSet(unsigned initialBuckets = 0) : qzSet(sizeof(Key), initialBuckets) {}
+    // Of empty sets only; see qzSet.
+    qzTypedSet(const qzTypedSet& other) : qzSet(other) {}
+    explicit qzTypedSet(qzTypeObj& type) : qzSet(type) { keySize = sizeof(Key); }
+    ~qzTypedSet() override { cleanup(); }
+
+    qzTypedSet& operator=(const qzTypedSet& other) {
+        qzSet::operator=(other);
+        return *this;
+    }
+
+    void add(const Key& key) { qzSet::add(&key); }
+    bool contains(const Key& key) const { return qzSet::contains(&key); }
+    // Address of the stored key, or null.
+    const Key* find(const Key& key) const { return static_cast<const Key*>(qzSet::find(&key)); }
+    // The key is taken by value: it may be the set's own.
+    void remove(Key key) { qzSet::remove(&key); }
+
+    Derived& operator|=(const Derived& other) { return combined(qzSet::operator|=(other)); }
+    Derived& operator&=(const Derived& other) { return combined(qzSet::operator&=(other)); }
+    Derived& operator-=(const Derived& other) { return combined(qzSet::operator-=(other)); }
+    // Print that they are missing, and abort; see qzSet.
+    qzTmpSet operator|(const Derived& other) const { return qzSet::operator|(other); }
+    qzTmpSet operator&(const Derived& other) const { return qzSet::operator&(other); }
+    qzTmpSet operator-(const Derived& other) const { return qzSet::operator-(other); }
+    // With a binary & in the class, the address of a set still means this.
+    Derived* operator&() { return static_cast<Derived*>(this); }
+    const Derived* operator&() const { return static_cast<const Derived*>(this); }
+
+    unsigned char doxdr(qzTranscriber& t) {
+        if (t.isReading()) keySize = sizeof(Key); // the copy of an empty set has none
+        return xdrKeys(t, keySize ? qzStreamSize<Key>() : 0);
+    }
+
+  protected:
+    // slots 7-11
+    unsigned hashKey(const void* key) const override {
+        return Keys::hash(qzTypedEntry<Key>::at(key));
+    }
+    int compareKeys(const void* a, const void* b) const override {
+        return Keys::compare(qzTypedEntry<Key>::at(a), qzTypedEntry<Key>::at(b));
+    }
+    void copyKey(const void* src, void* dst) const override { qzTypedEntry<Key>::copy(src, dst); }
+    void destroyKey(void* key) const override { qzTypedEntry<Key>::destroy(key); }
+    unsigned char xdrKey(qzTranscriber& t, void* key) override {
+        return qzTypedEntry<Key>::xdr(t, key);
+    }
+
+  private:
+    static Derived& combined(qzSet& self) { return static_cast<Derived&>(self); }
+};
+
+// qzTypedSetIter: the iterator of a member; what it points at has its type.
+template <class Set> class QZ_EXPORT qzTypedSetIter : public qzSetIter {
+  public:
+    using Key = typename Set::Key;
+
+    qzTypedSetIter() {}
+    explicit qzTypedSetIter(Set& s) : qzSetIter(s) {}
+    explicit qzTypedSetIter(Set* s) : qzSetIter(*s) {}
+    qzTypedSetIter& operator=(Set& s) {
+        qzSetIter::operator=(s);
+        return *this;
+    }
+
+    const Key* getKey() const { return static_cast<const Key*>(qzSetIter::getKey()); }
+};
+
+#endif

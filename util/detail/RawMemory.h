@@ -1,0 +1,69 @@
+// Raw memory: the one place that calls malloc, realloc, free and untyped copies.
+//
+// Units: bytes throughout. Every function is happy with zero bytes and null.
+// Errors: a block that cannot be had ends the process through qzFatal, except
+// in qzRawTryAlloc, which serves sizes that come from outside the process.
+#ifndef QZ_UTIL_DETAIL_RAWMEMORY_H
+#define QZ_UTIL_DETAIL_RAWMEMORY_H
+
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+
+// Writes "out of memory" and aborts.
+[[noreturn]] void qzRawExhausted();
+
+// A new block; null for zero bytes.
+inline void* qzRawAlloc(std::size_t bytes) {
+    if (bytes == 0) return nullptr;
+    void* block = std::malloc(bytes);
+    if (!block) qzRawExhausted();
+    return block;
+}
+
+// A new block, or null when there is none (and for zero bytes).
+inline void* qzRawTryAlloc(std::size_t bytes) { return bytes ? std::malloc(bytes) : nullptr; }
+
+// A new block of zeroes, or null when there is none (and for zero bytes). A
+// large one costs no memory until it is written to.
+inline void* qzRawTryZeroed(std::size_t bytes) { return bytes ? std::calloc(bytes, 1) : nullptr; }
+
+// The block resized to exactly `bytes`, which may move it; null for zero bytes.
+void* qzRawResize(void* block, std::size_t bytes);
+
+// The same, or null with the block unchanged when there is no memory.
+inline void* qzRawTryResize(void* block, std::size_t bytes) {
+    return bytes ? std::realloc(block, bytes) : nullptr;
+}
+
+// The block made to hold at least `bytes`; never shrinks it.
+void* qzRawGrow(void* block, std::size_t bytes);
+
+inline void qzRawFree(void* block) { std::free(block); }
+
+// Overlap-safe copy.
+inline void qzRawMove(void* to, const void* from, std::size_t bytes) {
+    if (bytes) std::memmove(to, from, bytes);
+}
+
+inline void qzRawZero(void* to, std::size_t bytes) {
+    if (bytes) std::memset(to, 0, bytes);
+}
+
+// The 32-bit word at any address, in the machine's byte order.
+inline unsigned qzLoadWord(const void* at) {
+    unsigned word;
+    std::memcpy(&word, at, sizeof word);
+    return word;
+}
+
+// Whether p points into the block [begin, begin + bytes). An operation that may
+// move its block asks this about an argument that may lie inside it.
+inline bool qzRawInside(const void* p, const void* begin, std::size_t bytes) {
+    const char* first = static_cast<const char*>(begin);
+    std::less<const char*> before;
+    return first && !before(static_cast<const char*>(p), first) &&
+           before(static_cast<const char*>(p), first + bytes);
+}
+
+#endif

@@ -1,0 +1,26 @@
+// qzBinaryOTDict: words by word; the object table of the binary transcribers.
+//
+// A writer maps addresses to record ids with it, a reader the other way. See
+// util/TypedDictionary.h; entries cannot be transcribed.
+#ifndef QZ_XDR_BINARYOTDICT_H
+#define QZ_XDR_BINARYOTDICT_H
+
+#include "util/TypedDictionary.h"
+
+struct qzAddressKeys {
+    using Key = unsigned long;
+    // Keys are mostly word-aligned addresses: their last two bits say nothing.
+    static unsigned hash(unsigned long key) { return static_cast<unsigned>(key >> 2); }
+    static int compare(unsigned long a, unsigned long b) { return a != b; }
+};
+
+class QZ_EXPORT qzBinaryOTDict
+    : public qzTypedDictionary<qzBinaryOTDict, qzAddressKeys, unsigned long> {
+  public:
+    using qzTypedDictionary::qzTypedDictionary;
+    ~qzBinaryOTDict() override;
+};
+
+extern template class qzTypedDictionary<qzBinaryOTDict, qzAddressKeys, unsigned long>;
+
+#endif

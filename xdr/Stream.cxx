@@ -1,0 +1,3 @@
+#include "xdr/Stream.h"
+
+qzStream::~qzStream() = default;
