@@ -20,6 +20,8 @@ install(FILES
     ${CMAKE_CURRENT_BINARY_DIR}/orvikqzds-config-version.cmake
     DESTINATION ${package_dir})
 
+# Relative, so that the installed tree can be moved.
+file(RELATIVE_PATH prefix_from_pc /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(cmake/orvikqzds.pc.in orvikqzds.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/orvikqzds.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -4,9 +4,8 @@
 #ifndef QZ_UTIL_DICTBUCKETS_H
 #define QZ_UTIL_DICTBUCKETS_H
 
+#include "util/DictBucket.h"
 #include "util/TypedArray.h"
-
-class qzDictBucket;
 
 class QZ_EXPORT qzDictBuckets
     : public qzTypedArray<qzDictBuckets, qzDictBucket*, qzPointerElements> {

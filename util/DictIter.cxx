@@ -1,7 +1,5 @@
 #include "util/DictIter.h"
 
-#include "util/detail/Chains.h"
-
 qzDictIter& qzDictIter::operator=(qzDictionary& d) {
     if (dict) dict->removeIter(this);
     attach(d);
@@ -13,11 +11,10 @@ void qzDictIter::attach(qzDictionary& d) {
     d.addIter(this);
     flags &= ~removedBit;
     bucket = ~0u; // in front of the first chain
-    nextChain();
+    if (!qzEnterNextChain(*this, dict->buckets)) finish();
 }
 
-void qzDictIter::nextChain() {
-    if (qzEnterNextChain(*this, dict->buckets)) return;
+void qzDictIter::finish() {
     dict->removeIter(this);
     dict = nullptr;
     flags |= removedBit;

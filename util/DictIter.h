@@ -14,6 +14,7 @@
 #ifndef QZ_UTIL_DICTITER_H
 #define QZ_UTIL_DICTITER_H
 
+#include "util/ChainWalk.h"
 #include "util/Dictionary.h"
 
 class QZ_EXPORT qzDictIter {
@@ -62,9 +63,9 @@ class QZ_EXPORT qzDictIter {
     void attach(qzDictionary& d);
     void step() {
         node = node->next;
-        if (!node) nextChain();
+        if (!node && !qzEnterNextChain(*this, dict->buckets)) finish();
     }
-    void nextChain();
+    void finish();
 };
 
 static_assert(sizeof(void*) != 4 || sizeof(qzDictIter) == 16, "typed iterators add no fields");

@@ -6,7 +6,7 @@
 
 #include "util/TypedArray.h"
 
-class qzDictIter;
+class QZ_EXPORT qzDictIter;
 
 class QZ_EXPORT qzDictIters : public qzTypedArray<qzDictIters, qzDictIter*, qzPointerElements> {
   public:

@@ -50,9 +50,8 @@ void qzDictionary::destroyValue(void*) const {}
 qzDictionary::Place qzDictionary::locate(const void* key) const {
     const unsigned chains = buckets.length();
     if (chains == 0) return {0, nullptr, nullptr};
-    return qzFindInChain<qzDictBucket>(
-        buckets, hashKey(key) % chains,
-        [this, key](const void* nodeKey) { return compareKeys(key, nodeKey) == 0; });
+    return Place::find(buckets, hashKey(key) % chains,
+                       [this, key](const void* nodeKey) { return compareKeys(key, nodeKey) == 0; });
 }
 
 // For an entry that goes in if absent. A dictionary that a reader made and never

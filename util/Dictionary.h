@@ -22,11 +22,9 @@
 #ifndef QZ_UTIL_DICTIONARY_H
 #define QZ_UTIL_DICTIONARY_H
 
-#include "util/DictBucket.h"
+#include "util/ChainPlace.h"
 #include "util/DictBuckets.h"
 #include "util/DictIters.h"
-
-template <class Node> struct qzChainPlace;
 
 class QZ_EXPORT qzDictionary : public qzXDRObj {
     friend class qzDictIter;
@@ -101,6 +99,15 @@ class QZ_EXPORT qzDictionary : public qzXDRObj {
     static unsigned char xdr(void* object, qzTranscriber& t);
 
   protected:
+    using Place = qzChainPlace<qzDictBucket>;
+    // Every lookup of the base comes through here.
+    Place locate(const void* key) const;
+    // The pieces of an insertion: a block for a key and a value, and the node
+    // that hangs it into a chain.
+    char* newBlock() const;
+    qzDictBucket* link(unsigned chain, char* block);
+    char* valueOf(const qzDictBucket* node) const { return node->kvmem + keySize; }
+
     // doxdr() with the sizes that a key and a value have in a stream.
     unsigned char xdrEntries(qzTranscriber& t, unsigned streamKeySize, unsigned streamValueSize);
 
@@ -111,14 +118,9 @@ class QZ_EXPORT qzDictionary : public qzXDRObj {
     qzDictIters iters;     // attached iterators, in the order of attaching
 
   private:
-    using Place = qzChainPlace<qzDictBucket>;
-    Place locate(const void* key) const;
     Place locateForAdd(const void* key);
-    char* newBlock() const;
-    qzDictBucket* link(unsigned chain, char* block);
     void unlink(const Place& place);
     void discard(qzDictBucket* node);
-    char* valueOf(const qzDictBucket* node) const { return node->kvmem + keySize; }
     unsigned char writeEntries(qzTranscriber& t, unsigned streamKeySize, unsigned streamValueSize);
     unsigned char readEntries(qzTranscriber& t, unsigned streamKeySize, unsigned streamValueSize);
     unsigned char readEntry(qzTranscriber& t);

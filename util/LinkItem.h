@@ -12,6 +12,7 @@ class QZ_EXPORT qzLinkItem {
     // The links belong to the place in the list, not to the value: a copy is in
     // no list, and an item that is assigned to stays where it is.
     qzLinkItem(const qzLinkItem&) {}
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
     qzLinkItem& operator=(const qzLinkItem&) { return *this; }
 
     // Public for reading; change them only through the list's operations.

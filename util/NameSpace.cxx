@@ -14,6 +14,7 @@
 namespace {
 
 const unsigned initialTableSize = 100;
+const std::size_t entryBytes = sizeof(void*); // one entry of the table
 
 // Takes the characters in pairs from both ends inward.
 //
@@ -141,19 +142,18 @@ NameSpace_Node* NameSpace::makeNode(unsigned long atom, unsigned hash, const cha
 // Doubles the table until it has an entry for the atom; new entries are null.
 void NameSpace::growTable(unsigned long atom) {
     if (atom < tableSize) return;
-    const std::size_t maxEntries =
-        std::min<std::size_t>(UINT_MAX, PTRDIFF_MAX / sizeof(NameSpace_Node*));
+    const std::size_t maxEntries = std::min<std::size_t>(UINT_MAX, PTRDIFF_MAX / entryBytes);
     unsigned newSize = tableSize ? tableSize : initialTableSize;
     while (atom >= newSize) {
         if (newSize > maxEntries / 2) atomError();
         newSize *= 2;
     }
 
-    void* block = qzRawTryAlloc(newSize * sizeof(NameSpace_Node*));
+    void* block = qzRawTryAlloc(newSize * entryBytes);
     if (!block) atomError();
     NameSpace_Node** newTable = static_cast<NameSpace_Node**>(block);
-    qzRawMove(newTable, table, tableSize * sizeof *table);
-    qzRawZero(newTable + tableSize, (newSize - tableSize) * sizeof *table);
+    qzRawMove(newTable, table, tableSize * entryBytes);
+    qzRawZero(newTable + tableSize, (newSize - tableSize) * entryBytes);
     qzRawFree(table);
     table = newTable;
     tableSize = newSize;

@@ -58,6 +58,7 @@ class QZ_EXPORT NameSpace {
     // Pinned by NameSpace.NumberInUseGoesToTheNewNameToo.
     unsigned long internAtom(unsigned long atom, const char* name, unsigned length, int create);
 
+    // Whether the number has a name; never so for nullAtom.
     int validAtom(unsigned long atom) const;
     // Null for a number without a name.
     const char* nameForAtom(unsigned long atom) const;
@@ -68,6 +69,7 @@ class QZ_EXPORT NameSpace {
     // Releases the node and all below it.
     void freeAtom(NameSpace_Node* node);
     // Releases all atoms and the table: the name space is not to be used again.
+    // One without atoms stays as it is.
     void freeAllAtoms();
 
     // Public for reading; change them only through the operations.

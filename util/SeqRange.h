@@ -2,7 +2,9 @@
 #ifndef QZ_UTIL_SEQRANGE_H
 #define QZ_UTIL_SEQRANGE_H
 
-struct qzSeqRange {
+#include "util/Export.h"
+
+struct QZ_EXPORT qzSeqRange {
     unsigned start;  // first number of the run
     unsigned length; // numbers in the run
 };

@@ -56,11 +56,9 @@ void qzSet::destroyKey(void*) const {}
 qzSet::Place qzSet::locate(const void* key) const {
     const unsigned chains = buckets.length();
     if (chains == 0) return {0, nullptr, nullptr};
-    const unsigned chain = hashKey(key) % chains;
-    if (numItems == 0) return {chain, nullptr, nullptr};
-    return qzFindInChain<qzSetBucket>(buckets, chain, [this, key](const void* nodeKey) {
-        return compareKeys(key, nodeKey) == 0;
-    });
+    if (numItems == 0) return {hashKey(key) % chains, nullptr, nullptr};
+    return Place::find(buckets, hashKey(key) % chains,
+                       [this, key](const void* nodeKey) { return compareKeys(key, nodeKey) == 0; });
 }
 
 void qzSet::link(unsigned chain, char* block) {

@@ -14,12 +14,11 @@
 #ifndef QZ_UTIL_SET_H
 #define QZ_UTIL_SET_H
 
-#include "util/SetBucket.h"
+#include "util/ChainPlace.h"
 #include "util/SetBuckets.h"
 #include "util/SetIters.h"
 
 class qzTmpSet;
-template <class Node> struct qzChainPlace;
 
 class QZ_EXPORT qzSet : public qzXDRObj {
     friend class qzSetIter;
@@ -92,6 +91,10 @@ class QZ_EXPORT qzSet : public qzXDRObj {
     static unsigned char xdr(void* object, qzTranscriber& t);
 
   protected:
+    using Place = qzChainPlace<qzSetBucket>;
+    // Every lookup of the base comes through here.
+    Place locate(const void* key) const;
+
     // doxdr() with the size that a key has in a stream.
     unsigned char xdrKeys(qzTranscriber& t, unsigned streamKeySize);
 
@@ -101,8 +104,6 @@ class QZ_EXPORT qzSet : public qzXDRObj {
     qzSetIters iters; // attached iterators, in the order of attaching
 
   private:
-    using Place = qzChainPlace<qzSetBucket>;
-    Place locate(const void* key) const;
     void link(unsigned chain, char* block);
     void discard(qzSetBucket* node);
     void removeAt(const Place& place);

@@ -4,9 +4,8 @@
 #ifndef QZ_UTIL_SETBUCKETS_H
 #define QZ_UTIL_SETBUCKETS_H
 
+#include "util/SetBucket.h"
 #include "util/TypedArray.h"
-
-class qzSetBucket;
 
 class QZ_EXPORT qzSetBuckets : public qzTypedArray<qzSetBuckets, qzSetBucket*, qzPointerElements> {
   public:

@@ -1,7 +1,5 @@
 #include "util/SetIter.h"
 
-#include "util/detail/Chains.h"
-
 qzSetIter& qzSetIter::operator=(qzSet& s) {
     if (set) set->removeIter(this);
     attach(s);
@@ -17,11 +15,10 @@ void qzSetIter::attach(qzSet& s) {
     s.addIter(this);
     flags &= ~removedBit;
     bucket = ~0u; // in front of the first chain
-    nextChain();
+    if (!qzEnterNextChain(*this, set->buckets)) finish();
 }
 
-void qzSetIter::nextChain() {
-    if (qzEnterNextChain(*this, set->buckets)) return;
+void qzSetIter::finish() {
     set->removeIter(this);
     set = nullptr;
     flags |= removedBit;

@@ -5,6 +5,7 @@
 #ifndef QZ_UTIL_SETITER_H
 #define QZ_UTIL_SETITER_H
 
+#include "util/ChainWalk.h"
 #include "util/Set.h"
 
 class QZ_EXPORT qzSetIter {
@@ -49,9 +50,9 @@ class QZ_EXPORT qzSetIter {
     void attach(qzSet& s);
     void step() {
         node = node->next;
-        if (!node) nextChain();
+        if (!node && !qzEnterNextChain(*this, set->buckets)) finish();
     }
-    void nextChain();
+    void finish();
 };
 
 #endif

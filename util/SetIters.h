@@ -6,7 +6,7 @@
 
 #include "util/TypedArray.h"
 
-class qzSetIter;
+class QZ_EXPORT qzSetIter;
 
 class QZ_EXPORT qzSetIters : public qzTypedArray<qzSetIters, qzSetIter*, qzPointerElements> {
   public:

@@ -13,6 +13,8 @@
 #ifndef QZ_UTIL_TYPEDDICTIONARY_H
 #define QZ_UTIL_TYPEDDICTIONARY_H
 
+#include <typeinfo>
+
 #include "util/DictIter.h"
 #include "util/Dictionary.h"
 #include "util/TypedEntry.h"
@@ -44,6 +46,7 @@ template <class Derived, class Keys, class V> class QZ_EXPORT qzTypedDictionary
     }
 
     const char* className() const override { return "DICT"; }
+    qzDictBucket* addInternal(const void* key, const void* value) override;
 
     // Inserts the entry, or replaces the value of a key that is here.
     void add(const Key& key, const Value& value) { addInternal(&key, &value); }
@@ -51,10 +54,14 @@ template <class Derived, class Keys, class V> class QZ_EXPORT qzTypedDictionary
     // and never written; callers pass what they have at hand. Pinned by
     // qzStrStrDictionary.FindLeavesItsSecondArgumentAlone.
     Value* find(const Key& key, Value** = nullptr) const {
-        return static_cast<Value*>(qzDictionary::find(&key));
+        const qzDictBucket* node = place(key).node;
+        return node ? valueAt(node) : nullptr;
     }
     // The value; an absent key is inserted with an empty one (null, 0).
-    Value& operator[](const Key& key) { return *static_cast<Value*>(findCreate(&key)); }
+    Value& operator[](const Key& key) {
+        const qzDictBucket* node = place(key).node;
+        return node ? *valueAt(node) : *static_cast<Value*>(findCreate(&key));
+    }
     // Removes the entry; returns a block from malloc that holds its live value,
     // to be destroyed and freed by the caller, or null. The key is taken by
     // value: it may be the dictionary's own.
@@ -86,7 +93,34 @@ template <class Derived, class Keys, class V> class QZ_EXPORT qzTypedDictionary
     unsigned char xdrValue(qzTranscriber& t, void* value) override {
         return qzTypedEntry<Value>::xdr(t, value);
     }
+
+  private:
+    // A class derived from the member may have other hooks; without one the
+    // compiler knows them, and lookups need not call them.
+    bool hooksAreOurs() const { return typeid(*this) == typeid(Derived); }
+    Place place(const Key& key) const {
+        const unsigned chains = buckets.length();
+        if (!hooksAreOurs() || chains == 0) return locate(&key);
+        return Place::find(buckets, Keys::hash(key) % chains, [&key](const void* nodeKey) {
+            return Keys::compare(key, qzTypedEntry<Key>::at(nodeKey)) == 0;
+        });
+    }
+    static Value* valueAt(const qzDictBucket* node) {
+        return reinterpret_cast<Value*>(node->kvmem + sizeof(Key));
+    }
 };
+
+template <class Derived, class Keys, class V>
+qzDictBucket* qzTypedDictionary<Derived, Keys, V>::addInternal(const void* key, const void* value) {
+    const Place at = place(qzTypedEntry<Key>::at(key));
+    if (at.node || !hooksAreOurs() || buckets.length() == 0) {
+        return qzDictionary::addInternal(key, value);
+    }
+    char* block = newBlock();
+    qzTypedEntry<Key>::copy(key, block);
+    qzTypedEntry<Value>::copy(value, block + sizeof(Key));
+    return link(at.chain, block);
+}
 
 // qzTypedDictIter: the iterator of a member; what it points at has its type.
 template <class Dictionary> class qzTypedDictIter : public qzDictIter {

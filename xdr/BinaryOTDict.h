@@ -7,7 +7,7 @@
 
 #include "util/TypedDictionary.h"
 
-struct qzAddressKeys {
+struct QZ_EXPORT qzAddressKeys {
     using Key = unsigned long;
     // Keys are mostly word-aligned addresses: their last two bits say nothing.
     static unsigned hash(unsigned long key) { return static_cast<unsigned>(key >> 2); }

@@ -31,8 +31,10 @@ TEST(qzIndexableList, AgreesWithAVectorThroughRandomOperations) {
     std::mt19937 random(2602);
     std::vector<qzLinkItem> items(60);
     Model unused, model;
-    for (qzLinkItem& item : items)
+    for (qzLinkItem& item : items) {
+        item.next = item.prev = &item; // stale links do not matter
         unused.push_back(&item);
+    }
     qzIndexableList list;
     for (int step = 0; step < 40000; ++step) {
         const long size = list.count;
@@ -49,6 +51,8 @@ TEST(qzIndexableList, AgreesWithAVectorThroughRandomOperations) {
         } else if (choice < 6 && size > 20) {
             qzLinkItem* item = choice == 4 ? list.unlinkAt(at) : list.unlink(model[at]);
             ASSERT_EQ(item, model[at]);
+            ASSERT_TRUE(!item->next && !item->prev);
+            item->next = item->prev = item;
             model.erase(model.begin() + at);
             unused.push_back(item);
         } else if (choice < 8 && size) { // cut in two and put together elsewhere
@@ -115,12 +119,14 @@ TEST(qzIndexableList, UnlinkAtAndSplitAtKeepTheCacheOnAnItemThatStays) {
         EXPECT_EQ(list.cacheIndex, row.index);
         EXPECT_EQ(list.cacheLink, row.item < 0 ? nullptr : &list.items[row.item]);
     }
-    Filled before(5, 1), behind(5, 3), none(5);
+    Filled before(5, 1), behind(5, 3), none(1);
     before.splitAt(4);
     EXPECT_EQ(before.cacheIndex, 1);
     behind.splitAt(3);
     EXPECT_EQ(behind.cacheIndex, 0);
-    none.splitAt(4);
+    qzLinkItem first;
+    none.insert(&first);
+    none.splitAt(1);
     EXPECT_EQ(none.cacheLink, nullptr);
 }
 

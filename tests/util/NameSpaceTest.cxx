@@ -136,8 +136,10 @@ TEST(NameSpace, NumberInUseGoesToTheNewNameToo) {
     EXPECT_EQ(names.makeAtom("old", 0), 5u);
 }
 
-TEST(NameSpace, FreeAllAtomsMayBeCalledAgain) {
-    NameSpace names(twoAtoms, automatic);
+TEST(NameSpace, FreeAllAtomsLeavesAnEmptyNameSpaceUsable) {
+    NameSpace names(noAtoms, automatic);
+    names.freeAllAtoms();
+    EXPECT_EQ(names.makeAtom("a", 1), 1u);
     names.freeAllAtoms();
     names.freeAllAtoms();
     EXPECT_EQ(names.table, nullptr);

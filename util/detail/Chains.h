@@ -14,16 +14,10 @@
 #ifndef QZ_UTIL_DETAIL_CHAINS_H
 #define QZ_UTIL_DETAIL_CHAINS_H
 
+#include "util/ChainPlace.h"
 #include "util/detail/RawMemory.h"
 
 const unsigned qzDefaultChains = 31;
-
-// Where a key is, or where it would go: node is null when it is absent.
-template <class Node> struct qzChainPlace {
-    unsigned chain;
-    Node* node;
-    Node* previous; // null when node is the head
-};
 
 // XOR of the whole 32-bit words of a key; trailing bytes take no part.
 inline unsigned qzHashWords(const void* key, unsigned nbytes) {
@@ -32,15 +26,6 @@ inline unsigned qzHashWords(const void* key, unsigned nbytes) {
     for (; nbytes >= 4; nbytes -= 4, p += 4)
         hash ^= qzLoadWord(p);
     return hash;
-}
-
-template <class Node, class Heads, class Matches>
-qzChainPlace<Node> qzFindInChain(const Heads& heads, unsigned chain, Matches matches) {
-    Node* previous = nullptr;
-    for (Node* node = heads[chain]; node; previous = node, node = node->next) {
-        if (matches(node->kvmem)) return {chain, node, previous};
-    }
-    return {chain, nullptr, nullptr};
 }
 
 template <class Node, class Heads> void qzUnlink(Heads& heads, const qzChainPlace<Node>& place) {
@@ -79,20 +64,6 @@ template <class Iters, class Node> void qzInvalidateIters(const Iters& iters, co
         }
         ++i;
     }
-}
-
-// Puts an iterator on the first node behind the chain it is in; false, with a
-// null node, when there is none left.
-template <class Iter, class Heads> bool qzEnterNextChain(Iter& iter, const Heads& heads) {
-    iter.node = nullptr;
-    while (++iter.bucket < heads.length()) {
-        iter.node = heads[iter.bucket];
-        if (iter.node) {
-            iter.flags &= ~Iter::removedBit;
-            return true;
-        }
-    }
-    return false;
 }
 
 #endif

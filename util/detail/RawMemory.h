@@ -28,7 +28,9 @@ inline void* qzRawTryAlloc(std::size_t bytes) { return bytes ? std::malloc(bytes
 // large one costs no memory until it is written to.
 inline void* qzRawTryZeroed(std::size_t bytes) { return bytes ? std::calloc(bytes, 1) : nullptr; }
 
-// The block resized to exactly `bytes`, which may move it; null for zero bytes.
+// The block resized to `bytes`, which may move it; null for zero bytes. As in
+// any allocator with size classes, a block that grows gets up to an eighth more
+// than it asks for, and one that shrinks by less than a quarter stays as it is.
 void* qzRawResize(void* block, std::size_t bytes);
 
 // The same, or null with the block unchanged when there is no memory.
@@ -36,7 +38,7 @@ inline void* qzRawTryResize(void* block, std::size_t bytes) {
     return bytes ? std::realloc(block, bytes) : nullptr;
 }
 
-// The block made to hold at least `bytes`; never shrinks it.
+// The block made to hold at least `bytes`; the same, but never shrinks it.
 void* qzRawGrow(void* block, std::size_t bytes);
 
 inline void qzRawFree(void* block) { std::free(block); }
