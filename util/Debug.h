@@ -2,7 +2,7 @@
 //
 // Deliberate: both operations do nothing. Programs built for a debugging
 // library construct the object and pass it their options unconditionally; here
-// that costs them nothing.
+// that costs them nothing. Pinned by qzDebug.LeavesTheOptionsAlone.
 #ifndef QZ_UTIL_DEBUG_H
 #define QZ_UTIL_DEBUG_H
 

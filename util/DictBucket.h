@@ -17,4 +17,6 @@ class QZ_EXPORT qzDictBucket {
     qzDictBucket* next;
 };
 
+static_assert(sizeof(qzDictBucket) == 2 * sizeof(void*), "a node is two words");
+
 #endif

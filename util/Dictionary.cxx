@@ -70,15 +70,17 @@ qzDictBucket* qzDictionary::link(unsigned chain, char* block) {
     return buckets[chain] = new qzDictBucket(block, buckets[chain]);
 }
 
+qzDictBucket* qzDictionary::replaceValue(qzDictBucket* node, const void* value) {
+    void* stored = valueOf(node);
+    if (stored == value) return node; // destroyed first, it could not be copied
+    destroyValue(stored);
+    copyValue(value, stored);
+    return node;
+}
+
 qzDictBucket* qzDictionary::addInternal(const void* key, const void* value) {
     const Place place = locateForAdd(key);
-    if (place.node) {
-        void* stored = valueOf(place.node);
-        if (stored == value) return place.node; // destroyed first, it could not be copied
-        destroyValue(stored);
-        copyValue(value, stored);
-        return place.node;
-    }
+    if (place.node) return replaceValue(place.node, value);
     char* block = newBlock();
     copyKey(key, block);
     copyValue(value, block + keySize);
@@ -131,13 +133,18 @@ void* qzDictionary::cut(const void* key) {
 }
 
 void qzDictionary::cleanup() {
-    qzVisitNodes(buckets, [this](qzDictBucket* node, unsigned chain) {
+    bool anyEntry = false;
+    qzVisitNodes(buckets, [this, &anyEntry](qzDictBucket* node, unsigned chain) {
         destroyKey(node->kvmem);
         destroyValue(valueOf(node));
         delete node;
         buckets[chain] = nullptr; // the walk has the rest of the chain in hand
+        anyEntry = true;
         return true;
     });
+    // An attached iterator stands on an entry. Without one this is the second
+    // time, and the iterators in the registry are somebody else's by now.
+    if (!anyEntry) return;
     for (unsigned i = 0; i < iters.length(); ++i) {
         qzDictIter* iter = iters[i];
         iter->dict = nullptr;
@@ -183,15 +190,15 @@ unsigned char qzDictionary::readEntries(qzTranscriber& t, unsigned streamKeySize
     if (!t.xdr(&readKeySize, 1)) return 0;
     if (!t.xdr(&readValueSize, 1)) return 0;
     if (!t.xdr(&chains, 1)) return 0;
-    if (streamKeySize == 0 && streamValueSize == 0) {
-        keySize = readKeySize;
-        valueSize = readValueSize;
-    } else if (readKeySize != streamKeySize || readValueSize != streamValueSize) {
-        return 0;
-    }
+    const bool anySize = streamKeySize == 0 && streamValueSize == 0;
+    if (!anySize && (readKeySize != streamKeySize || readValueSize != streamValueSize)) return 0;
     cleanup(); // a dictionary that is read into again
     numItems = 0;
     iters.resize(0);
+    if (anySize) {
+        keySize = readKeySize;
+        valueSize = readValueSize;
+    }
     if (!buckets.tryReplace(chains)) return 0;
     for (unsigned i = 0; i < entries; ++i) {
         if (!readEntry(t)) return 0;

@@ -102,8 +102,9 @@ class QZ_EXPORT qzDictionary : public qzXDRObj {
     using Place = qzChainPlace<qzDictBucket>;
     // Every lookup of the base comes through here.
     Place locate(const void* key) const;
-    // The pieces of an insertion: a block for a key and a value, and the node
-    // that hangs it into a chain.
+    // The pieces of addInternal(): a new value for a node; a block for a key and
+    // a value, and the node that hangs it into a chain.
+    qzDictBucket* replaceValue(qzDictBucket* node, const void* value);
     char* newBlock() const;
     qzDictBucket* link(unsigned chain, char* block);
     char* valueOf(const qzDictBucket* node) const { return node->kvmem + keySize; }

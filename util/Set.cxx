@@ -27,7 +27,6 @@ qzSet& qzSet::operator=(const qzSet& other) {
     if (other.size()) qzFatal("qzSet: a set that holds keys cannot be assigned");
     cleanup();
     buckets.resize(0);
-    iters.resize(0);
     return *this;
 }
 
@@ -70,7 +69,7 @@ void qzSet::link(unsigned chain, char* block) {
 void qzSet::add(const void* key) {
     const Place place = locate(key);
     if (place.node) return;
-    if (buckets.length() == 0) qzFatal("qzSet: the copy of a set takes no keys");
+    if (buckets.length() == 0) qzFatal("qzSet: a set without chains takes no keys");
     char* block = static_cast<char*>(qzRawAlloc(keySize));
     copyKey(key, block);
     link(place.chain, block);
@@ -153,19 +152,14 @@ qzTmpSet qzSet::operator-(const qzSet&) const {
     unimplemented("qzTmpSet operator-(qzSet const &)");
 }
 
+// Iterators are told of every removal, so the last one has finished them all.
 void qzSet::cleanup() {
-    if (numItems) {
-        qzVisitNodes(buckets, [this](qzSetBucket* node, unsigned) {
-            destroyKey(node->kvmem);
-            discard(node);
-            return true;
-        });
-    } // else the heads may be stale: this is the second time
-    for (unsigned i = 0; i < iters.length(); ++i) {
-        qzSetIter* iter = iters[i];
-        iter->set = nullptr;
-        iter->node = nullptr;
-    }
+    if (numItems == 0) return; // the heads may be stale: this is the second time
+    qzVisitNodes(buckets, [this](qzSetBucket* node, unsigned) {
+        destroyKey(node->kvmem);
+        discard(node);
+        return true;
+    });
 }
 
 void qzSet::removeIter(qzSetIter* iter) {
@@ -198,13 +192,11 @@ unsigned char qzSet::readKeys(qzTranscriber& t, unsigned streamKeySize) {
     if (!t.xdr(&keys, 1)) return 0;
     if (!t.xdr(&readKeySize, 1)) return 0;
     if (!t.xdr(&chains, 1)) return 0;
-    if (streamKeySize == 0) {
-        keySize = readKeySize;
-    } else if (readKeySize != streamKeySize && (readKeySize || keys)) {
-        return 0;
-    }
+    const bool anySize = streamKeySize == 0;
+    if (!anySize && readKeySize != streamKeySize && (readKeySize || keys)) return 0;
     cleanup(); // a set that is read into again
-    iters.resize(0);
+    buckets.resize(0);
+    if (anySize) keySize = readKeySize;
     if (!buckets.tryReplace(chains)) return 0;
     for (unsigned i = 0; i < keys; ++i) {
         if (!readKey(t)) return 0;

@@ -9,7 +9,8 @@
 // Ownership: as qzDictionary: a derived destructor calls cleanup() first.
 // Errors: none are reported; absence is null or false. Reading, doxdr() is
 //     false as qzDictionary's is. Copying or assigning a set that holds keys,
-//     and adding to a set that is the copy of an empty one, is fatal.
+//     and adding to a set that is the copy of an empty one (it has no chains),
+//     is fatal.
 // Cost: a lookup walks one chain; there is no rehashing.
 #ifndef QZ_UTIL_SET_H
 #define QZ_UTIL_SET_H
@@ -71,9 +72,9 @@ class QZ_EXPORT qzSet : public qzXDRObj {
     qzTmpSet operator&(const qzSet& other) const;
     qzTmpSet operator-(const qzSet& other) const;
 
-    // Destroys every key and detaches every iterator. Deliberate: the size ends
-    // at 0, chain heads and the removed state of iterators stay as they were,
-    // since this runs on the way to destruction. Pinned by
+    // Destroys every key and finishes every iterator. Deliberate: the size ends
+    // at 0 and the chain heads stay as they were, since this runs on the way to
+    // destruction; the set is not to be used again. Pinned by
     // qzSet.CleanupTwiceFreesOnce.
     void cleanup();
 

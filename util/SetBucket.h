@@ -17,4 +17,6 @@ class QZ_EXPORT qzSetBucket {
     qzSetBucket* next;
 };
 
+static_assert(sizeof(qzSetBucket) == 2 * sizeof(void*), "a node is two words");
+
 #endif

@@ -112,10 +112,9 @@ template <class Derived, class Keys, class V> class QZ_EXPORT qzTypedDictionary
 
 template <class Derived, class Keys, class V>
 qzDictBucket* qzTypedDictionary<Derived, Keys, V>::addInternal(const void* key, const void* value) {
+    if (!hooksAreOurs() || buckets.length() == 0) return qzDictionary::addInternal(key, value);
     const Place at = place(qzTypedEntry<Key>::at(key));
-    if (at.node || !hooksAreOurs() || buckets.length() == 0) {
-        return qzDictionary::addInternal(key, value);
-    }
+    if (at.node) return replaceValue(at.node, value);
     char* block = newBlock();
     qzTypedEntry<Key>::copy(key, block);
     qzTypedEntry<Value>::copy(value, block + sizeof(Key));
@@ -133,6 +132,11 @@ template <class Dictionary> class qzTypedDictIter : public qzDictIter {
     explicit qzTypedDictIter(Dictionary* d) : qzDictIter(*d) {}
     qzTypedDictIter& operator=(Dictionary& d) {
         qzDictIter::operator=(d);
+        return *this;
+    }
+
+    qzTypedDictIter& operator++() {
+        qzDictIter::operator++();
         return *this;
     }
 

@@ -81,6 +81,11 @@ template <class Set> class QZ_EXPORT qzTypedSetIter : public qzSetIter {
         return *this;
     }
 
+    qzTypedSetIter& operator++() {
+        qzSetIter::operator++();
+        return *this;
+    }
+
     const Key* getKey() const { return static_cast<const Key*>(qzSetIter::getKey()); }
 };
 

@@ -33,7 +33,8 @@ class QZ_EXPORT qzXDRObj : public qzRCObj {
     static void* newInstance(qzTypeObj& type);
     static void deleteInstance(void* object);
     // Deliberate: runs qzXDRObj's own xdr, not the object's. Type objects of
-    // derived classes carry their own function.
+    // derived classes carry their own function. Pinned by
+    // qzXDRObj.StaticTranscriptionIsTheBasesOwn.
     static unsigned char xdr(void* object, qzTranscriber& t);
 };
 

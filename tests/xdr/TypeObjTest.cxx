@@ -105,6 +105,13 @@ TEST(qzXDRObj, BaseTranscribesNothing) {
     EXPECT_STREQ(object.className(), "qzXDRObj");
 }
 
+TEST(qzXDRObj, StaticTranscriptionIsTheBasesOwn) {
+    qzIntArray array(1);
+    RecordingTranscriber t;
+    EXPECT_TRUE(qzXDRObj::xdr(static_cast<qzXDRObj*>(&array), t));
+    EXPECT_TRUE(t.log.empty());
+}
+
 // Classes without a transcription of their own hand themselves over as a base
 // part at the object's own address, which every transcriber passes over.
 TEST(qzXDRObj, BasePartsStandAtTheObjectsAddress) {
