@@ -13,6 +13,7 @@ qzTypeObj qzArray_type("qzArray", 1, nullptr, nullptr, qzArray::xdr);
 
 qzArray::qzArray(unsigned short elemSize, unsigned n)
     : data(nullptr), allocated(n * elemSize), used(allocated), elemSize(elemSize) {
+    assert(elemSize && n <= UINT_MAX / elemSize);
     qzArray::getmem();
 }
 
@@ -36,7 +37,7 @@ qzArray::~qzArray() { qzRawFree(data); }
 void qzArray::getmem() { data = qzRawResize(data, allocated); }
 
 void qzArray::expand() {
-    allocated += 4u * elemSize;
+    allocated = qzRawSum(allocated, 4u * elemSize);
     getmem();
 }
 
@@ -91,7 +92,7 @@ void qzArray::append(const void* elem) {
 void qzArray::append(const qzArray& other) {
     const unsigned added = other.used;
     if (added == 0) return;
-    growTo(used + added);
+    growTo(qzRawSum(used, added));
     copyElements(other.data, static_cast<char*>(data) + used, added);
     used += added;
 }
@@ -101,7 +102,7 @@ void qzArray::insert(const void* elem, unsigned pos) {
     assert(gap <= used);
     const bool own = inside(elem);
     auto offset = own ? static_cast<const char*>(elem) - static_cast<char*>(data) : 0;
-    growTo(used + elemSize);
+    growTo(qzRawSum(used, elemSize));
     char* begin = static_cast<char*>(data);
     if (gap < used) qzRawMove(begin + gap + elemSize, begin + gap, used - gap);
     if (own) {
@@ -117,7 +118,7 @@ void qzArray::insert(const qzArray& other, unsigned pos) {
     if (added == 0) return;
     const unsigned gap = pos * elemSize;
     assert(gap <= used);
-    growTo(used + added);
+    growTo(qzRawSum(used, added));
     char* begin = static_cast<char*>(data);
     if (gap < used) qzRawMove(begin + gap + added, begin + gap, used - gap);
     if (this == &other) { // the gap has split the source in two
@@ -141,6 +142,7 @@ void qzArray::remove(unsigned pos, unsigned count) {
 }
 
 void qzArray::resize(unsigned n) {
+    assert(n <= UINT_MAX / elemSize);
     const unsigned nbytes = n * elemSize;
     allocated = nbytes;
     if (nbytes > used) {

@@ -1,6 +1,8 @@
 #include "util/Str.h"
 
+#include <algorithm>
 #include <cctype>
+#include <climits>
 #include <cstdio>
 #include <istream>
 #include <ostream>
@@ -18,7 +20,7 @@ qzTypeObj qzStr_type("qzStr", 1, qzStr::newInstance, qzStr::deleteInstance, qzSt
 
 namespace {
 
-unsigned textLength(const char* s) { return static_cast<unsigned>(std::strlen(s)); }
+unsigned textLength(const char* s) { return qzRawLength(std::strlen(s)); }
 
 // Both answer "is this byte wanted" in constant time.
 struct OneByte {
@@ -65,6 +67,7 @@ unsigned forward(const qzStr& s, unsigned pos, OneByte byte, bool wanted) {
 
 // The position just after the last such byte before pos; 0 when there is none.
 template <class Set> unsigned backward(const qzStr& s, unsigned pos, const Set& set, bool wanted) {
+    assert(pos <= s.length());
     for (; pos > 0; --pos) {
         if (set(s.data[pos - 1]) == wanted) return pos;
     }
@@ -123,14 +126,13 @@ void qzStr::release() { qzRawFree(data); }
 bool qzStr::inside(const char* s) const { return qzRawInside(s, data, slength); }
 
 // The one way to grow: makes room for n bytes of text and a terminator and
-// leaves slength to the caller. There is no growth factor; the allocator's
-// in-place growth is relied on.
+// leaves slength to the caller.
 void qzStr::resizeInternal(unsigned n) {
-    const bool owns = data != &emptyString;
+    assert(n != UINT_MAX);
     if (slength <= 1) {
         if (n == 0) return;
-        if (owns) release();
-        data = static_cast<char*>(qzRawAlloc(std::size_t(n) + 1));
+        char* const owned = data == &emptyString ? nullptr : data;
+        data = static_cast<char*>(qzRawGrow(owned, std::size_t(n) + 1));
     } else if (n == 0) {
         release();
         data = &emptyString;
@@ -140,15 +142,14 @@ void qzStr::resizeInternal(unsigned n) {
 }
 
 void qzStr::assign(const char* s, unsigned len) {
-    const bool ownPart = len && inside(s); // which fits already, and must not move
-    if (!ownPart) resizeInternal(len);
+    resizeInternal(len); // a part of this text fits already and stays where it is
     qzRawMove(data, s, len);
     slength = len + 1;
     data[len] = 0;
 }
 
 qzStr& qzStr::operator=(const qzStr& other) {
-    if (this != &other) assign(other.data, other.length());
+    assign(other.data, other.length());
     return *this;
 }
 
@@ -198,9 +199,9 @@ void qzStr::append(const char* s, unsigned len) {
     if (len == 0) len = textLength(s);
     if (len == 0) return;
     const unsigned end = length();
-    const bool own = end && inside(s);
+    const bool own = inside(s);
     const auto offset = own ? s - data : 0;
-    resizeInternal(end + len);
+    resizeInternal(qzRawSum(end, len));
     qzRawMove(data + end, own ? data + offset : s, len);
     slength += len;
     data[length()] = 0;
@@ -222,7 +223,7 @@ void qzStr::insert(const char* s, unsigned pos, unsigned len) {
         insert(taken.data, pos, len);
         return;
     }
-    resizeInternal(slength + len);
+    resizeInternal(qzRawSum(slength, len));
     qzRawMove(data + pos + len, data + pos, length() - pos);
     qzRawMove(data + pos, s, len);
     slength += len;
@@ -410,8 +411,12 @@ std::istream& operator>>(std::istream& in, qzStr& s) {
     const char delimiter =
         qzStr::delim_idx < 0 ? '\n' : static_cast<char>(in.iword(qzStr::delim_idx));
     std::string text;
-    text.reserve(qzStr::resizeIncrement);
+    text.reserve(std::min(qzStr::resizeIncrement, 4096u));
     std::getline(in, text, delimiter);
+    if (text.size() >= UINT_MAX) { // beyond any string's length
+        text.clear();
+        in.setstate(std::ios_base::failbit);
+    }
     s.resize(static_cast<unsigned>(text.size()));
     qzRawMove(s.data, text.data(), text.size());
     return in;

@@ -11,8 +11,8 @@
 //     builds. A text argument may point into the string that is changed.
 // Errors: none are reported. A buffer that cannot be had is fatal.
 // Cost: two words; the empty string allocates nothing. There is no capacity
-//     field: text that grows is reallocated to its exact size, in place where
-//     the allocator can.
+//     field: text that grows asks the allocator each time, which mostly has the
+//     room already (see util/detail/RawMemory.h in the sources).
 #ifndef QZ_UTIL_STR_H
 #define QZ_UTIL_STR_H
 
@@ -108,8 +108,8 @@ class QZ_EXPORT qzStr {
     void format(const char* fmt, ...) __attribute__((format(printf, 2, 3)));
     void vformat(const char* fmt, va_list args) __attribute__((format(printf, 2, 0)));
 
-    // Searching. Sets are n bytes, strlen(set) when n is 0; cost does not
-    // depend on the size of the set.
+    // Searching. Sets are n bytes, strlen(set) when n is 0; what a byte of text
+    // costs does not depend on the size of the set.
     //
     // Index of the first byte at or after pos that is c (is in set); length()
     // when there is none. skip: that is not.

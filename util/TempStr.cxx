@@ -3,7 +3,7 @@
 #include "util/detail/RawMemory.h"
 
 qzTempStr::qzTempStr(const char* a, unsigned lengthA, const char* b, unsigned lengthB)
-    : data(indata), slength(lengthA + lengthB + 1) {
+    : data(indata), slength(qzRawSum(qzRawSum(lengthA, lengthB), 1)) {
     if (slength > sizeof indata) data = static_cast<char*>(qzRawAlloc(slength));
     qzRawMove(data, a, lengthA);
     qzRawMove(data + lengthA, b, lengthB);
@@ -22,14 +22,15 @@ qzTempStr::~qzTempStr() {
 qzTempStr& qzTempStr::concat(const char* s, unsigned n) {
     const bool inside = qzRawInside(s, data, slength);
     const auto offset = inside ? s - data : 0;
+    const unsigned wanted = qzRawSum(slength, n);
     if (data != indata) {
-        data = static_cast<char*>(qzRawGrow(data, slength + n));
-    } else if (slength + n > sizeof indata) {
-        data = static_cast<char*>(qzRawAlloc(slength + n));
+        data = static_cast<char*>(qzRawGrow(data, wanted));
+    } else if (wanted > sizeof indata) {
+        data = static_cast<char*>(qzRawAlloc(wanted));
         qzRawMove(data, indata, slength);
     }
     qzRawMove(data + length(), inside ? data + offset : s, n);
-    slength += n;
+    slength = wanted;
     data[length()] = 0;
     return *this;
 }
@@ -39,11 +40,11 @@ qzTempStr operator|(const qzStr& a, const qzStr& b) {
 }
 
 qzTempStr operator|(const qzStr& a, const char* b) {
-    return qzTempStr(a.data, a.length(), b, static_cast<unsigned>(std::strlen(b)));
+    return qzTempStr(a.data, a.length(), b, qzRawLength(std::strlen(b)));
 }
 
 qzTempStr operator|(const char* a, const qzStr& b) {
-    return qzTempStr(a, static_cast<unsigned>(std::strlen(a)), b.data, b.length());
+    return qzTempStr(a, qzRawLength(std::strlen(a)), b.data, b.length());
 }
 
 qzTempStr& operator|(const qzTempStr& temp, const qzStr& s) {
@@ -51,5 +52,5 @@ qzTempStr& operator|(const qzTempStr& temp, const qzStr& s) {
 }
 
 qzTempStr& operator|(const qzTempStr& temp, const char* s) {
-    return const_cast<qzTempStr&>(temp).concat(s, static_cast<unsigned>(std::strlen(s)));
+    return const_cast<qzTempStr&>(temp).concat(s, qzRawLength(std::strlen(s)));
 }

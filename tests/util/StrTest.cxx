@@ -87,6 +87,7 @@ TEST(qzStr, OwnedEmptyBuffersAreNeitherLeakedNorLost) {
         {[](qzStr& s) { s.append("abc"); }, "abc"},
         {[](qzStr& s) { s.append('c'); }, "c"},
         {[](qzStr& s) { s.append(s.data); }, ""},
+        {[](qzStr& s) { s.append(s.data, 1), s = s.c_str(); }, ""}, // its own terminator
         {[](qzStr& s) { s.insert("abc", 0); }, "abc"},
         {[](qzStr& s) { s = "abc"; }, "abc"},
         {[](qzStr& s) { s = qzStr("abc"); }, "abc"},

@@ -43,11 +43,13 @@ void* qzRawResize(void* block, std::size_t bytes) {
         const bool fits = usable - bytes <= shrinkSlack(bytes);
         return fits ? block : reallocate(block, bytes);
     }
-    return block ? qzRawGrow(block, bytes) : qzRawAlloc(bytes);
+    return qzRawGrow(block, bytes);
 }
 
 void* qzRawGrow(void* block, std::size_t bytes) {
+    if (!block) return qzRawAlloc(bytes);
     if (bytes <= usableSize(block)) return block;
     const std::size_t roomy = bytes + growthSlack(bytes);
-    return reallocate(block, roomy < bytes ? bytes : roomy);
+    void* grown = roomy > bytes ? std::realloc(block, roomy) : nullptr;
+    return grown ? grown : reallocate(block, bytes);
 }

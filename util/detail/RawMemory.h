@@ -38,10 +38,20 @@ inline void* qzRawTryResize(void* block, std::size_t bytes) {
     return bytes ? std::realloc(block, bytes) : nullptr;
 }
 
-// The block made to hold at least `bytes`; the same, but never shrinks it.
+// The block, or a new one for null, made to hold at least `bytes`.
 void* qzRawGrow(void* block, std::size_t bytes);
 
 inline void qzRawFree(void* block) { std::free(block); }
+
+// Sizes are kept in 32 bits: what does not fit them cannot be held.
+inline unsigned qzRawLength(std::size_t bytes) {
+    if (bytes > 0xfffffffeu) qzRawExhausted();
+    return static_cast<unsigned>(bytes);
+}
+inline unsigned qzRawSum(unsigned a, unsigned b) {
+    if (a > 0xffffffffu - b) qzRawExhausted();
+    return a + b;
+}
 
 // Overlap-safe copy.
 inline void qzRawMove(void* to, const void* from, std::size_t bytes) {
