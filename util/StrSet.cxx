@@ -2,6 +2,7 @@
 
 #include "util/StrSetIter.h"
 
+template class qzTypedKeys<qzSet, qzStrKeys, qzStrSet>;
 template class qzTypedSet<qzStrSet, qzStrKeys>;
 template class qzTypedSetIter<qzStrSet>;
 

@@ -17,6 +17,7 @@ class QZ_EXPORT qzStrSet : public qzTypedSet<qzStrSet, qzStrKeys> {
     static unsigned char xdr(void* object, qzTranscriber& t);
 };
 
+extern template class qzTypedKeys<qzSet, qzStrKeys, qzStrSet>;
 extern template class qzTypedSet<qzStrSet, qzStrKeys>;
 extern QZ_EXPORT qzTypeObj qzStrSet_type;
 

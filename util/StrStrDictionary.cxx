@@ -1,5 +1,6 @@
 #include "util/StrStrDictionary.h"
 
+template class qzTypedKeys<qzDictionary, qzStrKeys, qzStrStrDictionary>;
 template class qzTypedDictionary<qzStrStrDictionary, qzStrKeys, qzStr>;
 
 qzTypeObj qzStrStrDictionary_type("DICT", 1, qzStrStrDictionary::newInstance,

@@ -18,6 +18,7 @@ class QZ_EXPORT qzStrStrDictionary
     static unsigned char xdr(void* object, qzTranscriber& t);
 };
 
+extern template class qzTypedKeys<qzDictionary, qzStrKeys, qzStrStrDictionary>;
 extern template class qzTypedDictionary<qzStrStrDictionary, qzStrKeys, qzStr>;
 extern QZ_EXPORT qzTypeObj qzStrStrDictionary_type;
 

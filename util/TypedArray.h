@@ -45,8 +45,8 @@ template <class T> class QZ_EXPORT qzObjectElements : public qzArray {
     int compareElements(const void* a, const void* b) const override; // compare(a, b)
 };
 
-template <class Derived, class T, class Elements = qzArray> class QZ_EXPORT qzTypedArray
-    : public Elements {
+template <class Derived, class T, class Elements = qzArray>
+class QZ_EXPORT qzTypedArray : public Elements {
   public:
     using Element = T;
 

@@ -8,19 +8,22 @@
 
 #include "util/SetIter.h"
 #include "util/TmpSet.h"
-#include "util/TypedEntry.h"
+#include "util/TypedKeys.h"
 #include "xdr/StreamSize.h"
 
-template <class Derived, class Keys> class QZ_EXPORT qzTypedSet : public qzSet {
+template <class Derived, class Keys>
+class QZ_EXPORT qzTypedSet : public qzTypedKeys<qzSet, Keys, Derived> {
+    using Base = qzTypedKeys<qzSet, Keys, Derived>;
+
   public:
-    using Key = typename Keys::Key;
+    using typename Base::Key;
 
     // initialBuckets chains, 31 when that is 0.
-    explicit qzTypedSet(unsigned initialBuckets = 0) : qzSet(sizeof(Key), initialBuckets) {}
+    explicit qzTypedSet(unsigned initialBuckets = 0) : Base(sizeof(Key), initialBuckets) {}
     // Of empty sets only; see qzSet.
-    qzTypedSet(const qzTypedSet& other) : qzSet(other) {}
-    explicit qzTypedSet(qzTypeObj& type) : qzSet(type) { keySize = sizeof(Key); }
-    ~qzTypedSet() override { cleanup(); }
+    qzTypedSet(const qzTypedSet& other) : Base(other) {}
+    explicit qzTypedSet(qzTypeObj& type) : Base(type) { this->keySize = sizeof(Key); }
+    ~qzTypedSet() override { this->cleanup(); }
 
     qzTypedSet& operator=(const qzTypedSet& other) {
         qzSet::operator=(other);
@@ -28,9 +31,12 @@ template <class Derived, class Keys> class QZ_EXPORT qzTypedSet : public qzSet {
     }
 
     void add(const Key& key) { qzSet::add(&key); }
-    bool contains(const Key& key) const { return qzSet::contains(&key); }
+    bool contains(const Key& key) const { return this->place(key).node; }
     // Address of the stored key, or null.
-    const Key* find(const Key& key) const { return static_cast<const Key*>(qzSet::find(&key)); }
+    const Key* find(const Key& key) const {
+        const qzSetBucket* node = this->place(key).node;
+        return node ? reinterpret_cast<const Key*>(node->kvmem) : nullptr;
+    }
     // The key is taken by value: it may be the set's own.
     void remove(Key key) { qzSet::remove(&key); }
 
@@ -46,22 +52,8 @@ template <class Derived, class Keys> class QZ_EXPORT qzTypedSet : public qzSet {
     const Derived* operator&() const { return static_cast<const Derived*>(this); }
 
     unsigned char doxdr(qzTranscriber& t) {
-        if (t.isReading()) keySize = sizeof(Key); // the copy of an empty set has none
-        return xdrKeys(t, keySize ? qzStreamSize<Key>() : 0);
-    }
-
-  protected:
-    // slots 7-11
-    unsigned hashKey(const void* key) const override {
-        return Keys::hash(qzTypedEntry<Key>::at(key));
-    }
-    int compareKeys(const void* a, const void* b) const override {
-        return Keys::compare(qzTypedEntry<Key>::at(a), qzTypedEntry<Key>::at(b));
-    }
-    void copyKey(const void* src, void* dst) const override { qzTypedEntry<Key>::copy(src, dst); }
-    void destroyKey(void* key) const override { qzTypedEntry<Key>::destroy(key); }
-    unsigned char xdrKey(qzTranscriber& t, void* key) override {
-        return qzTypedEntry<Key>::xdr(t, key);
+        if (t.isReading()) this->keySize = sizeof(Key); // the copy of an empty set has none
+        return this->xdrKeys(t, this->keySize ? qzStreamSize<Key>() : 0);
     }
 
   private:

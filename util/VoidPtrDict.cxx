@@ -1,5 +1,6 @@
 #include "util/VoidPtrDict.h"
 
+template class qzTypedKeys<qzDictionary, qzStrKeys, qzVoidPtrDict>;
 template class qzTypedDictionary<qzVoidPtrDict, qzStrKeys, void*>;
 
 qzVoidPtrDict::~qzVoidPtrDict() = default;

@@ -17,6 +17,7 @@ class QZ_EXPORT qzVoidPtrDict : public qzTypedDictionary<qzVoidPtrDict, qzStrKey
     unsigned char xdrKey(qzTranscriber& t, void* key) override; // always false
 };
 
+extern template class qzTypedKeys<qzDictionary, qzStrKeys, qzVoidPtrDict>;
 extern template class qzTypedDictionary<qzVoidPtrDict, qzStrKeys, void*>;
 
 #endif

@@ -21,6 +21,7 @@ class QZ_EXPORT qzBinaryOTDict
     ~qzBinaryOTDict() override;
 };
 
+extern template class qzTypedKeys<qzDictionary, qzAddressKeys, qzBinaryOTDict>;
 extern template class qzTypedDictionary<qzBinaryOTDict, qzAddressKeys, unsigned long>;
 
 #endif

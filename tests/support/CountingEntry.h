@@ -122,8 +122,8 @@ template <class Probe> std::string picture(const Probe& probe) {
 
 // A container beside its model, with iterators on both.
 template <class Probe, class Iter> struct Modelled {
-    template <class... Sizes> explicit Modelled(unsigned chains, Sizes... sizes)
-        : model(chains), probe(sizes..., chains) {
+    template <class... Sizes>
+    explicit Modelled(unsigned chains, Sizes... sizes) : model(chains), probe(sizes..., chains) {
         model.iters.resize(std::size(iters));
         for (auto& iter : iters)
             iter.emplace();

@@ -20,8 +20,9 @@ template <auto Link, typename Node> Node* qzFollow(Node* node, long links) {
 // The node at the index. The two ends are had without the cache, which stays as
 // it is; any other node becomes the cached one. A list without a cached node
 // (null) is given one first: its head.
-template <typename Node> Node* qzIndexedNode(long index, long count, Node* head, Node* tail,
-                                             long& cacheIndex, Node*& cached) {
+template <typename Node>
+Node* qzIndexedNode(long index, long count, Node* head, Node* tail, long& cacheIndex,
+                    Node*& cached) {
     if (index == 0) return head;
     if (index == count - 1) return tail;
     if (!cached) {
