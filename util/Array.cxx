@@ -18,7 +18,8 @@ qzArray::qzArray(unsigned short elemSize, unsigned n)
 }
 
 qzArray::qzArray(const qzArray& other)
-    : qzXDRObj(), data(nullptr), allocated(other.used), used(other.used), elemSize(other.elemSize) {
+    : qzXDRObj(other), data(nullptr), allocated(other.used), used(other.used),
+      elemSize(other.elemSize) {
     qzArray::getmem();
     qzArray::copyElements(other.data, data, used);
 }

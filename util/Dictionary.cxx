@@ -13,7 +13,7 @@ qzDictionary::qzDictionary(unsigned keySize, unsigned valueSize, unsigned initia
       buckets(initialBuckets ? initialBuckets : qzDefaultChains) {}
 
 qzDictionary::qzDictionary(const qzDictionary& other)
-    : qzXDRObj(), numItems(0), keySize(other.keySize), valueSize(other.valueSize),
+    : qzXDRObj(other), numItems(0), keySize(other.keySize), valueSize(other.valueSize),
       buckets(other.buckets.length()) {}
 
 qzDictionary::qzDictionary(qzTypeObj& type)

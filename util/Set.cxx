@@ -16,7 +16,7 @@ qzSetBucket::~qzSetBucket() { qzRawFree(kvmem); }
 qzSet::qzSet(unsigned keySize, unsigned initialBuckets)
     : buckets(initialBuckets ? initialBuckets : qzDefaultChains), numItems(0), keySize(keySize) {}
 
-qzSet::qzSet(const qzSet& other) : qzXDRObj(), numItems(0), keySize(0) {
+qzSet::qzSet(const qzSet& other) : qzXDRObj(other), numItems(0), keySize(0) {
     if (other.size()) qzFatal("qzSet: a set that holds keys cannot be copied");
 }
 

@@ -149,7 +149,7 @@ void qzStr::assign(const char* s, unsigned len) {
 }
 
 qzStr& qzStr::operator=(const qzStr& other) {
-    assign(other.data, other.length());
+    if (this != &other) assign(other.data, other.length());
     return *this;
 }
 
@@ -208,7 +208,11 @@ void qzStr::append(const char* s, unsigned len) {
 }
 
 void qzStr::append(char c) {
-    resizeInternal(slength);
+    if (slength > 1) {
+        data = static_cast<char*>(qzRawGrow(data, std::size_t(slength) + 1));
+    } else {
+        resizeInternal(slength);
+    }
     data[length()] = c;
     data[slength] = 0;
     ++slength;
@@ -424,6 +428,6 @@ std::istream& operator>>(std::istream& in, qzStr& s) {
 
 std::istream& _delimiter(std::istream& in, char c) {
     if (qzStr::delim_idx < 0) qzStr::delim_idx = std::ios_base::xalloc();
-    in.iword(qzStr::delim_idx) = c;
+    in.iword(qzStr::delim_idx) = static_cast<unsigned char>(c);
     return in;
 }

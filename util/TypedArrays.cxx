@@ -23,6 +23,10 @@
 
 #include "util/detail/RawMemory.h"
 
+static_assert(sizeof(qzIntArray) == sizeof(qzArray) && sizeof(qzStrArray) == sizeof(qzArray) &&
+                  sizeof(qzVoidPtrArray) == sizeof(qzArray),
+              "typed arrays add no fields");
+
 // All of these register as "ARRAY" and the last one registered is what a reader
 // creates. They stand in one file because only there is the order of
 // construction fixed: it does not depend on the linker.

@@ -1,0 +1,3 @@
+#include "regex/TextPattern.h"
+
+qzTextPattern::~qzTextPattern() = default;
