@@ -138,12 +138,4 @@ TEST(qzIndexableList, SplicingBehindTheLastIndexKeepsTail) {
     EXPECT_EQ(first.count, 4);
 }
 
-TEST(qzIndexableList, CopyOfAListedItemIsInNoList) {
-    Filled list(3);
-    qzLinkItem copy(list.items[1]);
-    EXPECT_TRUE(!copy.next && !copy.prev);
-    list.items[1] = copy;
-    expectSame(list, {&list.items[0], &list.items[1], &list.items[2]});
-}
-
 } // namespace

@@ -136,16 +136,6 @@ TEST(NameSpace, NumberInUseGoesToTheNewNameToo) {
     EXPECT_EQ(names.makeAtom("old", 0), 5u);
 }
 
-TEST(NameSpace, FreeAllAtomsLeavesAnEmptyNameSpaceUsable) {
-    NameSpace names(noAtoms, automatic);
-    names.freeAllAtoms();
-    EXPECT_EQ(names.makeAtom("a", 1), 1u);
-    names.freeAllAtoms();
-    names.freeAllAtoms();
-    EXPECT_EQ(names.table, nullptr);
-    EXPECT_FALSE(names.validAtom(1));
-}
-
 // Names in the order of their hashes make a list of the tree.
 void* makeAndFreeLopsidedTrees(void*) {
     for (bool rising : {true, false}) {

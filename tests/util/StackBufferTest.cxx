@@ -51,23 +51,6 @@ TEST(qzStackBuffer, GrowsByTheStepOrByWhatIsMissing) {
     }
 }
 
-TEST(qzStackBuffer, AddcCrossesEveryEdge) {
-    qzStackBuffer buffer(3);
-    const std::string model = bytes(1200);
-    for (unsigned i = 0; i < model.size(); ++i) {
-        buffer.addc(model[i]);
-        ASSERT_EQ(buffer.capacity(), i < 1000 ? 1000 : 1000 + (i - 1000) / 3 * 3 + 3);
-    }
-    EXPECT_EQ(content(buffer), model);
-    const unsigned room = buffer.capacity();
-    buffer.reset();
-    EXPECT_EQ(buffer.length(), 0u);
-    EXPECT_EQ(buffer.capacity(), room);
-    EXPECT_NE(buffer.base, buffer.inbuf); // never moves back
-    buffer.grow(0);
-    EXPECT_EQ(buffer.capacity(), room + 3);
-}
-
 TEST(qzStackBuffer, FirstThousandBytesAllocateNothing) {
     if (const char* reason = AllocationCounter::obstacle()) GTEST_SKIP() << reason;
     const std::string half = bytes(500);

@@ -250,19 +250,6 @@ TEST(qzStr, ChangesAgreeWithStdString) {
     }
 }
 
-TEST(qzStr, SetMaxLengthReservesRoom) {
-    if (const char* reason = AllocationCounter::obstacle()) GTEST_SKIP() << reason;
-    qzStr s("a");
-    s.setMaxLength(5000);
-    s.setMaxLength(10); // never shrinks
-    const AllocationCounter counter;
-    while (s.length() < 5000)
-        s.append('b');
-    const AllocationCounts cost = counter.counts();
-    EXPECT_EQ(cost.allocations + cost.resizes, 0u);
-    EXPECT_EQ(text(s), "a" + std::string(4999, 'b'));
-}
-
 // Formatting, comparison, hash
 
 TEST(qzStr, FormatRendersAnyLengthAndStopsAtNul) {

@@ -69,28 +69,6 @@ TEST(qzTypedDictionary, EveryEntryIsConstructedAndDestroyedOnce) {
     EXPECT_EQ(CountingEntry::alive, 0);
 }
 
-TEST(qzTypedSet, EveryKeyIsConstructedAndDestroyedOnce) {
-    {
-        CountedSet set(2), other;
-        for (int id = 0; id < 8; ++id) {
-            set.add(id);
-            set.add(*set.find(id));
-            other.add(id * 2);
-        }
-        qzTypedSetIter<CountedSet> iter(set);
-        set.remove(*iter.getKey());
-        EXPECT_EQ((++iter).getKey(), set.find(4));
-        (set &= other) |= other;
-        EXPECT_EQ(CountingEntry::alive, 8 + 8);
-        other -= other;
-        EXPECT_EQ(CountingEntry::alive, 8);
-        other |= set;
-        set.cleanup();
-        EXPECT_EQ(CountingEntry::alive, 8);
-    }
-    EXPECT_EQ(CountingEntry::alive, 0);
-}
-
 TEST(qzStrStrDictionary, FindLeavesItsSecondArgumentAlone) {
     qzStrStrDictionary dict(3);
     EXPECT_EQ(dict["new"].length(), 0u);
@@ -99,21 +77,6 @@ TEST(qzStrStrDictionary, FindLeavesItsSecondArgumentAlone) {
     EXPECT_EQ(dict.find("new", &out), &dict["new"]);
     EXPECT_EQ(dict.find("absent", &out), nullptr);
     EXPECT_EQ(out, &mine);
-}
-
-TEST(qzStrStrDictionary, InstanceForAReaderWorksBeforeItIsReadInto) {
-    void* const made = qzStrStrDictionary_type.create(qzStrStrDictionary_type);
-    qzStrStrDictionary& dict = *static_cast<qzStrStrDictionary*>(made);
-    EXPECT_EQ(dict.getKeySize(), sizeof(qzStr));
-    EXPECT_EQ(dict.getValueSize(), sizeof(qzStr));
-    EXPECT_EQ(dict.find("a"), nullptr);
-    EXPECT_EQ(dict.cut("a"), nullptr);
-    EXPECT_FALSE(qzStrStrDictionaryIter(dict).notDone());
-    EXPECT_EQ(qzStrStrDictionary(dict).find("a"), nullptr);
-    dict["a"] = "a text with a block of its own";
-    dict.add("a", dict["a"]);
-    EXPECT_STREQ(dict.find("a")->c_str(), "a text with a block of its own");
-    qzStrStrDictionary_type.destroy(made);
 }
 
 // Takes keys of one length for equal, and counts insertions.
@@ -195,19 +158,6 @@ TEST(qzStrSet, OperatorsReturnTheSetAndAddressesMeanIt) {
     vowels = letters;
     EXPECT_EQ(travelled(vowels), 0u);
     EXPECT_FALSE(qzStrSetIter(&vowels).notDone());
-}
-
-TEST(qzTypedDictionary, NamesAndTypeObjectsAreThoseOfTheFamily) {
-    const qzStrSet set;
-    const auto expectNames = [](const qzXDRObj& object, const char* name, const char* typeName) {
-        EXPECT_STREQ(object.className(), name);
-        EXPECT_EQ(&object.getTypeObj(), qzTypeObj::findType(typeName));
-    };
-    expectNames(qzStrStrDictionary(), "DICT", "DICT");
-    expectNames(qzVoidPtrDict(), "DICT", "qzDictionary");
-    expectNames(qzBinaryOTDict(), "DICT", "qzDictionary");
-    expectNames(set, "qzXDRObj", "SET");
-    expectNames(qzTmpSet(set), "qzXDRObj", "qzSet");
 }
 
 } // namespace
