@@ -1,0 +1,116 @@
+#include "xdr/StdioStream.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "xdr/StreamModes.h"
+
+namespace {
+
+int openFile(const char* path, qzStream::qzStreamType type, unsigned mode) {
+    const int fd = open(path, unixType(type));
+    if (fd >= 0 || type == qzStream::qzST_Read) return fd;
+    return open(path, unixType(type) | O_CREAT, mode);
+}
+
+FILE* wrap(int fd, qzStream::qzStreamType type) {
+    const char* mode = stdioType(type);
+    return mode ? fdopen(fd, mode) : nullptr;
+}
+
+template <class T> unsigned char get(FILE* file, T* to, unsigned n) {
+    return file && std::fread(to, sizeof(T), n, file) == n;
+}
+
+template <class T> unsigned char put(FILE* file, const T* from, unsigned n) {
+    return file && std::fwrite(from, sizeof(T), n, file) == n;
+}
+
+} // namespace
+
+qzStdioStream::qzStdioStream(const char* path, qzStreamType type, unsigned mode)
+    : file(nullptr), type(type), error(1), eof(0) {
+    const int fd = openFile(path, type, mode);
+    if (fd < 0) return;
+    file = wrap(fd, type);
+    if (!file) close(fd);
+    error = !file;
+}
+
+qzStdioStream::qzStdioStream(int fd, qzStreamType type)
+    : file(wrap(fd, type)), type(type), error(!file), eof(0) {}
+
+qzStdioStream::qzStdioStream(FILE* file, qzStreamType type)
+    : file(file), type(type), error(!file), eof(0) {}
+
+qzStdioStream::~qzStdioStream() {
+    if (!file) return;
+    std::fflush(file);
+    std::fclose(file);
+}
+
+unsigned char qzStdioStream::hasError() { return error; }
+
+unsigned char qzStdioStream::atEOF() { return eof; }
+
+unsigned char qzStdioStream::isReading() { return type == qzST_Read || type == qzST_ReadWrite; }
+
+unsigned char qzStdioStream::isWriting() { return type == qzST_Write || type == qzST_ReadWrite; }
+
+qzStream::qzStreamType qzStdioStream::getType() { return type; }
+
+unsigned char qzStdioStream::getBytes(char* to, unsigned n) {
+    if (n != 1) return get(file, to, n);
+    const int c = file ? std::getc(file) : EOF;
+    if (c == EOF) return 0;
+    *to = static_cast<char>(c);
+    return 1;
+}
+
+unsigned char qzStdioStream::getShorts(short* to, unsigned n) { return get(file, to, n); }
+
+unsigned char qzStdioStream::getInts(int* to, unsigned n) { return get(file, to, n); }
+
+unsigned char qzStdioStream::getLongs(long* to, unsigned n) {
+    if constexpr (sizeof(long) == sizeof(int)) {
+        return get(file, to, n);
+    } else {
+        for (unsigned i = 0; i < n; ++i) {
+            int value;
+            if (!get(file, &value, 1)) return 0;
+            to[i] = value;
+        }
+        return file != nullptr;
+    }
+}
+
+unsigned char qzStdioStream::getFloats(float* to, unsigned n) { return get(file, to, n); }
+
+unsigned char qzStdioStream::getDoubles(double* to, unsigned n) { return get(file, to, n); }
+
+unsigned char qzStdioStream::putBytes(const char* from, unsigned n) {
+    if (n != 1) return put(file, from, n);
+    return file && std::putc(*from, file) != EOF;
+}
+
+unsigned char qzStdioStream::putShorts(const short* from, unsigned n) { return put(file, from, n); }
+
+unsigned char qzStdioStream::putInts(const int* from, unsigned n) { return put(file, from, n); }
+
+unsigned char qzStdioStream::putLongs(const long* from, unsigned n) {
+    if constexpr (sizeof(long) == sizeof(int)) {
+        return put(file, from, n);
+    } else {
+        for (unsigned i = 0; i < n; ++i) {
+            const int value = static_cast<int>(from[i]);
+            if (value != from[i] || !put(file, &value, 1)) return 0;
+        }
+        return file != nullptr;
+    }
+}
+
+unsigned char qzStdioStream::putFloats(const float* from, unsigned n) { return put(file, from, n); }
+
+unsigned char qzStdioStream::putDoubles(const double* from, unsigned n) {
+    return put(file, from, n);
+}
