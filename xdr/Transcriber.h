@@ -17,6 +17,7 @@
 class qzStr;
 class qzStream;
 class qzTypeObj;
+class qzVoidPtrDict;
 class qzXDRObj;
 
 class QZ_EXPORT qzTranscriber : public qzRCObj {
@@ -77,6 +78,26 @@ class QZ_EXPORT qzTranscriber : public qzRCObj {
     virtual unsigned char xdr(int** array, unsigned n);
     virtual unsigned char xdr(unsigned** array, unsigned n);
 
+    // Makes a writer or a reader for a stream.
+    using WriterFactory = qzTranscriber* (*)(qzStream* stream);
+    // Is given the two test values and the float format of the stream's header.
+    using ReaderFactory = qzTranscriber* (*)(qzStream* stream, short testShort, long testLong,
+                                             const char* floatFormat);
+
+    // The factory. getWriter() makes a writer and puts the stream's header;
+    // getReader() reads a header and makes the reader that is registered under
+    // the name in it. Both give null when the stream fails or nobody can be made;
+    // a name that is not registered is fatal. The caller owns the transcriber,
+    // and deletes it.
+    static qzTranscriber* getWriter(qzStream* stream);
+    static qzTranscriber* getReader(qzStream* stream);
+    // Registers a reader under its writer's class name; a later one replaces it.
+    static void addTranscriber(const char* name, ReaderFactory factory);
+    // What getWriter() makes; null is ignored.
+    static void changeDefaultWriter(WriterFactory factory);
+    static void resetToDefaultWriter();
+    static qzTranscriber* makeDefaultWriter(qzStream* stream); // a qzBinaryWriter
+
     unsigned char isReading() const { return reading; }
     unsigned char isWriting() const { return !reading; }
 
@@ -90,6 +111,10 @@ class QZ_EXPORT qzTranscriber : public qzRCObj {
 
     unsigned char reading; // 1 for a reader, 0 for a writer
     qzStream* stream;      // one reference held; null at construction
+
+  private:
+    static qzVoidPtrDict* readers; // made by the first registration
+    static WriterFactory makeWriter;
 };
 
 static_assert(sizeof(void*) != 4 || sizeof(qzTranscriber) == 16,

@@ -1,0 +1,68 @@
+// qzBinaryTranscriber: what the binary writer and reader share: the data buffer
+// of the record at hand, its header, the object table and the work list.
+#ifndef QZ_XDR_BINARYTRANSCRIBER_H
+#define QZ_XDR_BINARYTRANSCRIBER_H
+
+#include "util/VoidPtrArray.h"
+#include "xdr/BinaryOTDict.h"
+#include "xdr/Transcriber.h"
+
+class QZ_EXPORT qzBinaryTranscriber : public virtual qzTranscriber {
+  public:
+    ~qzBinaryTranscriber() override;
+
+  protected:
+    // The object table: as a qzBinaryOTDict, but with more chains as it fills,
+    // so that the cost of an object does not grow with the graph.
+    class Table : public qzBinaryOTDict {
+      public:
+        Table() : qzBinaryOTDict(0) {}
+        unsigned long* lookup(unsigned long key) const;
+        void set(unsigned long key, unsigned long value);
+        // Removes every entry and goes back to the default chains.
+        void clear();
+
+      private:
+        void relink(unsigned chains);
+    };
+
+    // Record kinds; 5 to 9 are the tags of primitive arrays.
+    enum Kind : unsigned {
+        Continuation = 0,
+        NullPointer = 1,
+        TypeDefinition = 2,
+        NewArray = 3,
+        KnownArray = 4,
+        Object = 10,
+        NewObject = 11,
+        KnownObject = 12,
+        NewPart = 13,
+        KnownPart = 14,
+        LastKind = 16
+    };
+
+    // The record that is being put together or taken apart. A field keeps its
+    // value from the record that last had it.
+    struct Record {
+        unsigned kind;
+        unsigned id;      // of the object, array or part
+        unsigned typeId;  // of the object's type, or the type defined
+        unsigned version; // of the type last defined
+        unsigned length;  // of an array in the stream, bytes
+        const char* name; // of the type being defined
+    };
+
+    static const unsigned bufferSize = 512;
+
+    qzBinaryTranscriber();
+
+    char buffer[bufferSize];
+    char* cursor;      // next byte to write or read
+    unsigned capacity; // bufferSize
+    unsigned count;    // data bytes of the current record in the buffer
+    Table table;
+    Record record;
+    qzVoidPtrArray work; // pending items, used as a stack
+};
+
+#endif
