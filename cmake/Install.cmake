@@ -2,6 +2,13 @@
 # package and a pkg-config file.
 include(CMakePackageConfigHelpers)
 
+# The pkg-config file finds everything from where it stands.
+foreach(directory CMAKE_INSTALL_LIBDIR CMAKE_INSTALL_INCLUDEDIR)
+    if(IS_ABSOLUTE "${${directory}}")
+        message(FATAL_ERROR "${directory} is relative to the installation prefix")
+    endif()
+endforeach()
+
 install(TARGETS orvikqzds EXPORT orvikqzds
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 foreach(header IN LISTS public_headers)

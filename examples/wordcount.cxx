@@ -31,7 +31,7 @@ bool countFile(qzStrStrDictionary& counts, const char* path) {
             count(counts, line.token(pos, blanks));
         }
     }
-    return true;
+    return !in.bad(); // a directory opens, but cannot be read
 }
 
 // One line a word, written so that the order of the texts is the order wanted:
@@ -41,7 +41,8 @@ qzStrArray ranking(qzStrStrDictionary& counts) {
     for (qzStrStrDictionaryIter i(counts); i.notDone(); ++i) {
         const int n = std::atoi(i.getValue()->c_str());
         qzStr line;
-        line.format("%010d%s", 2147483647 - n, i.getKey()->c_str());
+        line.format("%010d", 2147483647 - n);
+        line.append(*i.getKey());
         lines.append(line);
     }
     lines.qsort();

@@ -10,7 +10,8 @@
 // Errors: a null block, or 0 for "no match". Nothing says why: see qzregerror.
 // Cost: time is at most proportional to program size times text length, and
 // ordinary patterns take far less. A match with choices left open keeps them in
-// heap memory, 8 to 12 bytes each on i386; the stack use is constant.
+// heap memory (docs/regex-syntax.md says what that can come to); the stack use is
+// constant.
 // Not re-entrant: calls of these functions must not overlap, not even on
 // different blocks.
 #ifndef QZ_REGEX_REGEXP_H

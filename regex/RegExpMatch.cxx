@@ -21,7 +21,9 @@
 // only way back to a pair still being tried would be around a loop without
 // consuming a character, and loop bodies always consume one. For a run, the
 // marks are on the positions to go on from; as a run ends where its characters
-// end, wherever it began, a marked position has only marked ones after it.
+// end, wherever it began, a marked position has only marked ones after it. Ends
+// of groups are marked like choices: what follows them is the same for every
+// alternative that leads there.
 //
 // Cost: program times text at most, in steps; usually a step per character.
 // Covered by qzregexec.AgreesWithNaiveMatcher*, qzregexec.HostilePatterns*.
@@ -111,7 +113,7 @@ class Search {
         if (stepsTaken >= nextCheck) considerTable();
     }
     void considerTable();
-    bool noSpace();
+    template <class... Words> bool note(Words... words);
 
     const char* program;
     char regstart;
@@ -240,10 +242,26 @@ inline bool Search::goForward(const char* node, const char*& input) {
                 qzregerror("memory corruption");
                 return false;
             }
+            // Alternatives meet at a group's end: what follows is tried once for
+            // all of them.
+            if (op > CLOSE && table.isOpen() && !firstVisit(node, input)) return false;
             if (!setBound(node, input)) return false;
         }
         node = next;
     }
+}
+
+// Notes something on the stack. The table only saves time: it gives way.
+template <class... Words> bool Search::note(Words... words) {
+    if (stack.push(words...)) return true;
+    if (table.isOpen()) {
+        table.close();
+        nextCheck = UINT64_MAX; // and is not opened again
+        if (stack.push(words...)) return true;
+    }
+    qzregerror("out of space");
+    outOfSpace = true;
+    return false;
 }
 
 // To the last choice with a way left; false when there is none.
@@ -282,8 +300,7 @@ inline const char* Search::choose(const char* branch, const char* input) {
     for (const char* other = nextBranch(branch); other; other = nextBranch(other)) {
         if (!canBegin(operand(other), c)) continue;
         noted = 0;
-        if (stack.push(input, other)) break;
-        noSpace();
+        if (note(input, other)) break;
         return nullptr;
     }
     return operand(branch);
@@ -311,7 +328,7 @@ inline bool Search::leaveRun(const char* node, const char* lowest, const char* p
     }
     input = position;
     if (position > lowest) {
-        if (!stack.push(lowest, position - 1, node)) return noSpace();
+        if (!note(lowest, position - 1, node)) return false;
         noted = 0;
     }
     return true;
@@ -322,7 +339,7 @@ inline bool Search::setBound(const char* node, const char* input) {
     const char*& bound = op > CLOSE ? regendp[op - CLOSE] : regstartp[op - OPEN];
     const unsigned bit = 1u << (op - OPEN);
     if (!(noted & bit) && !stack.empty()) {
-        if (!stack.push(bound, node)) return noSpace();
+        if (!note(bound, node)) return false;
         noted |= bit;
     }
     bound = input;
@@ -396,12 +413,6 @@ void Search::considerTable() {
     const auto reach = static_cast<std::size_t>(affordable < most ? affordable : most);
     const std::size_t length = strnlen(regbol, reach);
     if (length < reach) table.open(guide->choiceCount, length);
-}
-
-bool Search::noSpace() {
-    qzregerror("out of space");
-    outOfSpace = true;
-    return false;
 }
 
 } // namespace

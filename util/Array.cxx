@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <climits>
 
+#include "util/Fatal.h"
 #include "util/detail/ArraySort.h"
 #include "util/detail/RawMemory.h"
 #include "xdr/Transcriber.h"
@@ -59,6 +60,10 @@ int qzArray::compareElements(const void* a, const void* b) const {
 
 bool qzArray::inside(const void* p) const { return qzRawInside(p, data, used); }
 
+void qzArray::requireElementSize(unsigned size) const {
+    if (size != elemSize) qzFatal("qzArray: elements of %u bytes where %u are held", size, elemSize);
+}
+
 void qzArray::growTo(unsigned nbytes) {
     if (nbytes <= allocated) return;
     allocated = nbytes;
@@ -93,6 +98,7 @@ void qzArray::append(const void* elem) {
 void qzArray::append(const qzArray& other) {
     const unsigned added = other.used;
     if (added == 0) return;
+    requireElementSize(other.elemSize);
     growTo(qzRawSum(used, added));
     copyElements(other.data, static_cast<char*>(data) + used, added);
     used += added;
@@ -117,6 +123,7 @@ void qzArray::insert(const void* elem, unsigned pos) {
 void qzArray::insert(const qzArray& other, unsigned pos) {
     const unsigned added = other.used;
     if (added == 0) return;
+    requireElementSize(other.elemSize);
     const unsigned gap = pos * elemSize;
     assert(gap <= used);
     growTo(qzRawSum(used, added));
@@ -152,11 +159,14 @@ void qzArray::resize(unsigned n) {
     } else if (nbytes < used) {
         destroyElements(static_cast<char*>(data) + nbytes, used - nbytes);
         getmem();
+    } else {
+        getmem();
     }
     used = nbytes;
 }
 
 void qzArray::setMaxLength(unsigned n) {
+    assert(n <= UINT_MAX / elemSize);
     const unsigned wanted = std::max(n * elemSize, used);
     if (wanted == allocated) return;
     allocated = wanted;
@@ -280,6 +290,8 @@ unsigned char qzArray::readValues(qzTranscriber& t, unsigned short memorySize,
     if (!xdrSizes(t, streamUsed, width)) return 0;
     if (width != 1 && width != 2 && width != 4 && width != 8) return 0;
     const bool own = width == streamSize;
+    // Nothing would tell such elements from the class's own afterwards.
+    if (!own && width == memorySize) return 0;
     clear(own ? memorySize : width);
 
     // A count is only a claim until its elements have arrived: room is taken a
@@ -289,7 +301,7 @@ unsigned char qzArray::readValues(qzTranscriber& t, unsigned short memorySize,
     const unsigned first = (1u << 20) / elemSize;
     for (unsigned have = 0; have < n;) {
         const unsigned wanted = std::min(n - have, std::max(first, have)) + have;
-        if (!takeRoom(wanted)) return 0;
+        if (!takeRoom(wanted, memorySize)) return 0;
         unsigned char arrived;
         if (own) {
             arrived = ownValues(t, at(have), wanted - have);
@@ -311,9 +323,9 @@ void qzArray::clear(unsigned short newElemSize) {
     elemSize = newElemSize;
 }
 
-bool qzArray::takeRoom(unsigned n) {
-    if (n > UINT_MAX / elemSize) return false;
-    void* block = qzRawTryResize(data, n * elemSize);
+bool qzArray::takeRoom(unsigned n, unsigned short typedSize) {
+    if (n > UINT_MAX / std::max(elemSize, typedSize)) return false;
+    void* block = qzRawTryResize(data, n * std::max(elemSize, typedSize));
     if (!block && n) return false;
     data = block;
     allocated = n * elemSize;

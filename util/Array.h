@@ -122,8 +122,11 @@ class QZ_EXPORT qzArray : public qzXDRObj {
     // Destroys the elements and frees the block.
     void clear(unsigned short newElemSize);
     // Capacity for n elements; false, changing nothing, when memory cannot hold
-    // them. For counts that come from a stream.
-    bool takeRoom(unsigned n);
+    // them. For counts that come from a stream. The block holds n elements of
+    // typedSize as well, so that a typed index stays inside it.
+    bool takeRoom(unsigned n, unsigned short typedSize);
+    // Ends the process for elements of another size than the array's.
+    void requireElementSize(unsigned size) const;
 
     // qsort() for a class known to compare plain bytes: the same result without
     // a virtual call per comparison.

@@ -36,11 +36,14 @@ class QZ_EXPORT qzDictionary : public qzXDRObj {
     // hooks that copy them are the derived class's. Its copy constructor goes on
     // with `*this = other`, which reverses the order within each chain.
     qzDictionary(const qzDictionary& other);
-    // Empty, for a reader to fill.
+    // Empty, for a reader to fill. A derived constructor sets keySize and
+    // valueSize: doxdr() then refuses any others. Left at 0 they are taken from
+    // the stream, and the hooks have to expect whatever it says.
     explicit qzDictionary(qzTypeObj& type);
     // Deliberate: a merge. Entries already here stay, those of `other` are added
-    // or replace the values of their keys; callers collect dictionaries this
-    // way. Pinned by qzDictionary.AssignmentMerges.
+    // or replace the values of their keys, read at this dictionary's key size;
+    // callers collect dictionaries of one key type this way. Pinned by
+    // qzDictionary.AssignmentMerges.
     qzDictionary& operator=(const qzDictionary& other);
 
     // slots 1-6; xdr() hands the dictionary to the transcriber as a base part
@@ -80,8 +83,9 @@ class QZ_EXPORT qzDictionary : public qzXDRObj {
     // the caller owns, null when the key is absent. The value in it is live.
     void* cut(const void* key);
     // Destroys every entry and detaches every iterator. Deliberate: size() and
-    // the registry stay as they were, since this runs on the way to
-    // destruction. Pinned by qzDictionary.CleanupDetachesIteratorsAndKeepsSize.
+    // the registry stay as they were, since this runs on the way to destruction;
+    // the dictionary is not to be used again. Pinned by
+    // qzDictionary.CleanupDetachesIteratorsAndKeepsSize.
     void cleanup();
 
     unsigned size() const { return numItems; }

@@ -60,6 +60,11 @@ qzSet::Place qzSet::locate(const void* key) const {
                        [this, key](const void* nodeKey) { return compareKeys(key, nodeKey) == 0; });
 }
 
+// Every walk over the keys comes through here, for the same reason.
+template <class Visit> bool qzSet::visitKeys(const qzSet& set, Visit visit) {
+    return set.numItems == 0 || qzVisitNodes(set.buckets, visit);
+}
+
 void qzSet::link(unsigned chain, char* block) {
     assert(numItems || !buckets[chain]); // no use after cleanup()
     buckets[chain] = new qzSetBucket(block, buckets[chain]);
@@ -99,7 +104,7 @@ void qzSet::remove(const void* key) {
 }
 
 qzSet& qzSet::operator|=(const qzSet& other) {
-    qzVisitNodes(other.buckets, [this](qzSetBucket* node, unsigned) {
+    visitKeys(other, [this](qzSetBucket* node, unsigned) {
         add(node->kvmem);
         return true;
     });
@@ -107,7 +112,7 @@ qzSet& qzSet::operator|=(const qzSet& other) {
 }
 
 qzSet& qzSet::operator&=(const qzSet& other) {
-    for (unsigned chain = 0; chain < buckets.length(); ++chain) {
+    for (unsigned chain = 0; numItems && chain < buckets.length(); ++chain) {
         Place place = {chain, buckets[chain], nullptr};
         while (place.node) {
             qzSetBucket* const next = place.node->next;
@@ -123,7 +128,7 @@ qzSet& qzSet::operator&=(const qzSet& other) {
 }
 
 qzSet& qzSet::operator-=(const qzSet& other) {
-    qzVisitNodes(other.buckets, [this](qzSetBucket* node, unsigned) {
+    visitKeys(other, [this](qzSetBucket* node, unsigned) {
         remove(node->kvmem);
         return true;
     });
@@ -154,8 +159,7 @@ qzTmpSet qzSet::operator-(const qzSet&) const {
 
 // Iterators are told of every removal, so the last one has finished them all.
 void qzSet::cleanup() {
-    if (numItems == 0) return; // the heads may be stale: this is the second time
-    qzVisitNodes(buckets, [this](qzSetBucket* node, unsigned) {
+    visitKeys(*this, [this](qzSetBucket* node, unsigned) {
         destroyKey(node->kvmem);
         discard(node);
         return true;
@@ -180,13 +184,14 @@ unsigned char qzSet::writeKeys(qzTranscriber& t, unsigned streamKeySize) {
     if (!t.xdr(&numItems, 1)) return 0;
     if (!t.xdr(&streamKeySize, 1)) return 0;
     if (!t.xdr(&chains, 1)) return 0;
-    return qzVisitNodes(buckets, [this, &t](qzSetBucket* node, unsigned chain) {
+    return visitKeys(*this, [this, &t](qzSetBucket* node, unsigned chain) {
         return xdrKey(t, node->kvmem) && t.xdr(&chain, 1);
     });
 }
 
 // A class that has not said what its key size is (it is 0) takes the stream's.
-// A key size of 0 without keys is what the copy of an empty set writes.
+// A key size of 0 without keys or chains is what the copy of an empty set
+// writes; it comes back as a set that can be added to.
 unsigned char qzSet::readKeys(qzTranscriber& t, unsigned streamKeySize) {
     unsigned keys, readKeySize, chains;
     if (!t.xdr(&keys, 1)) return 0;
@@ -197,7 +202,7 @@ unsigned char qzSet::readKeys(qzTranscriber& t, unsigned streamKeySize) {
     cleanup(); // a set that is read into again
     buckets.resize(0);
     if (anySize) keySize = readKeySize;
-    if (!buckets.tryReplace(chains)) return 0;
+    if (!buckets.tryReplace(chains || keys ? chains : qzDefaultChains)) return 0;
     for (unsigned i = 0; i < keys; ++i) {
         if (!readKey(t)) return 0;
     }

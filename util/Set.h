@@ -32,7 +32,9 @@ class QZ_EXPORT qzSet : public qzXDRObj {
     // value. Pinned by qzSet.CopyOfAnEmptySetFindsNothing and
     // qzSetDeathTest.CopyingKeysIsFatal.
     qzSet(const qzSet& other);
-    // Empty, for a reader to fill.
+    // Empty, for a reader to fill. A derived constructor sets keySize: doxdr()
+    // then refuses any other. Left at 0 it is taken from the stream, and the
+    // hooks have to expect whatever it says.
     explicit qzSet(qzTypeObj& type);
     // Deliberate: leaves the set without chains, as a copy is. Pinned by
     // qzSet.AssigningAnEmptySetDropsKeysAndChains.
@@ -105,6 +107,7 @@ class QZ_EXPORT qzSet : public qzXDRObj {
     qzSetIters iters; // attached iterators, in the order of attaching
 
   private:
+    template <class Visit> static bool visitKeys(const qzSet& set, Visit visit);
     void link(unsigned chain, char* block);
     void discard(qzSetBucket* node);
     void removeAt(const Place& place);

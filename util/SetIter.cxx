@@ -15,7 +15,7 @@ void qzSetIter::attach(qzSet& s) {
     s.addIter(this);
     flags &= ~removedBit;
     bucket = ~0u; // in front of the first chain
-    if (!qzEnterNextChain(*this, set->buckets)) finish();
+    if (s.size() == 0 || !qzEnterNextChain(*this, set->buckets)) finish();
 }
 
 void qzSetIter::finish() {

@@ -55,4 +55,6 @@ class QZ_EXPORT qzSetIter {
     void finish();
 };
 
+static_assert(sizeof(void*) != 4 || sizeof(qzSetIter) == 20, "typed iterators add no fields");
+
 #endif

@@ -382,8 +382,8 @@ unsigned char qzStr::xdr(qzTranscriber& t) {
 }
 
 // The transcriber supplies the buffer, perhaps only once the whole graph has
-// been read: until then the string must own nothing. A failure leaves the empty
-// string rather than a length without its text.
+// been read: until then the string must own nothing. What is not a text with its
+// terminator leaves the empty string.
 unsigned char qzStr::read(qzTranscriber& t) {
     if (data != &emptyString) release();
     forget();
@@ -393,8 +393,11 @@ unsigned char qzStr::read(qzTranscriber& t) {
     }
     if (slength == 1) return 1;
     const unsigned char arrived = t.xdr(&data, slength);
-    if (!data || (!arrived && data == &emptyString)) forget();
-    return arrived && slength != 1;
+    const bool here = data && data != &emptyString; // else it comes later
+    if (arrived && data && !(here && data[slength - 1])) return 1;
+    if (here) release();
+    forget();
+    return 0;
 }
 
 qzTypeObj& qzStr::getTypeObj() const { return qzStr_type; }

@@ -31,7 +31,8 @@ class QZ_EXPORT qzStr {
   public:
     qzStr() : slength(1), data(&emptyString) {}
     // n NUL characters: a zero-filled string, not room for n. Write qzStr(0u)
-    // for the empty string: a plain 0 is an int and gives "0".
+    // for the empty string: a plain 0 is an int and gives "0", as a character
+    // does: qzStr('a') is "97".
     qzStr(unsigned n);
     // Null is the empty string.
     qzStr(const char* s);

@@ -1,4 +1,8 @@
 // qzStrSet: a set of strings. See util/TypedSet.h and util/Set.h.
+//
+// Deliberate: className() is the base's, "qzXDRObj"; a stream names the type
+// "SET". Callers go by the type object. Pinned by
+// qzSetXdr.SetsGoByTheNameOfTheBase.
 #ifndef QZ_UTIL_STRSET_H
 #define QZ_UTIL_STRSET_H
 

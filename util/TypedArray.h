@@ -84,9 +84,11 @@ class QZ_EXPORT qzTypedArray : public Elements {
 
     void append(const T& elem) {
         if constexpr (std::is_trivially_copyable_v<T>) {
-            assert(this->elemSize == sizeof(T));
             const T value = elem; // which may lie in the block that moves
-            if (this->used == this->allocated) this->expand();
+            if (this->allocated - this->used < sizeof(T)) {
+                this->requireElementSize(sizeof(T));
+                this->expand();
+            }
             std::memcpy(static_cast<char*>(this->data) + this->used, &value, sizeof value);
             this->used += sizeof(T);
         } else {
@@ -94,12 +96,17 @@ class QZ_EXPORT qzTypedArray : public Elements {
         }
     }
     void append(const Derived& other) { qzArray::append(static_cast<const qzArray&>(other)); }
-    void insert(const T& elem, unsigned pos) { qzArray::insert(&elem, pos); }
+    void insert(const T& elem, unsigned pos) {
+        this->requireElementSize(sizeof(T));
+        qzArray::insert(&elem, pos);
+    }
     void insert(const Derived& other, unsigned pos) {
         qzArray::insert(static_cast<const qzArray&>(other), pos);
     }
     // Index of the first equal element at or after start, or -1.
-    int find(const T& elem, unsigned start = 0) const { return qzArray::find(&elem, start); }
+    int find(const T& elem, unsigned start = 0) const {
+        return this->elemSize == sizeof(T) ? qzArray::find(&elem, start) : -1;
+    }
 
     void qsort() { qsort(0, this->length()); }
     void qsort(unsigned start, unsigned count);
@@ -120,8 +127,10 @@ class QZ_EXPORT qzTypedArray : public Elements {
 
 template <class Derived, class T, class Elements>
 void qzTypedArray<Derived, T, Elements>::qsort(unsigned start, unsigned count) {
-    // A class derived from the member may compare in its own way.
-    if (std::is_trivially_copyable_v<T> && typeid(*this) == typeid(Derived)) {
+    // The member, or a class derived from it, may compare in its own way.
+    constexpr bool inheritsOrder = std::is_same_v<decltype(&Derived::compareElements),
+                                                  int (qzArray::*)(const void*, const void*) const>;
+    if (inheritsOrder && typeid(*this) == typeid(Derived)) {
         this->qsortPlain(start, count);
     } else {
         qzArray::qsort(start, count);

@@ -5,7 +5,9 @@
 //
 //     class qzVoidPtrDict : public qzTypedDictionary<qzVoidPtrDict, qzStrKeys, void*>
 //
-// Derived is the member itself. Keys names the key type and tells how to hash
+// Derived is the member itself and overrides none of the hooks for keys and
+// values: lookups through it do not call them. A class derived from a member
+// may, and has them called. Keys names the key type and tells how to hash
 // and compare it; see util/StrKeys.h.
 //
 // Ownership: values that are pointers are not owned.
@@ -30,9 +32,7 @@ class QZ_EXPORT qzTypedDictionary : public qzTypedKeys<qzDictionary, Keys, Deriv
     explicit qzTypedDictionary(unsigned initialBuckets = 0)
         : Base(sizeof(Key), sizeof(Value), initialBuckets) {}
     // Has the source's chains, each in reverse order.
-    qzTypedDictionary(const qzTypedDictionary& other) : Base(other) {
-        qzDictionary::operator=(other);
-    }
+    qzTypedDictionary(const qzTypedDictionary& other);
     explicit qzTypedDictionary(qzTypeObj& type) : Base(type) {
         this->keySize = sizeof(Key);
         this->valueSize = sizeof(Value);
@@ -90,6 +90,21 @@ class QZ_EXPORT qzTypedDictionary : public qzTypedKeys<qzDictionary, Keys, Deriv
         return reinterpret_cast<Value*>(node->kvmem + sizeof(Key));
     }
 };
+
+// Every entry keeps its chain: that is right for any hash, and a class derived
+// from the member may have one of its own, which does not run yet.
+template <class Derived, class Keys, class V>
+qzTypedDictionary<Derived, Keys, V>::qzTypedDictionary(const qzTypedDictionary& other)
+    : Base(other) {
+    for (unsigned chain = 0; chain < other.buckets.length(); ++chain) {
+        for (const qzDictBucket* node = other.buckets[chain]; node; node = node->next) {
+            char* block = this->newBlock();
+            qzTypedEntry<Key>::copy(node->kvmem, block);
+            qzTypedEntry<Value>::copy(other.valueOf(node), block + sizeof(Key));
+            this->link(chain, block);
+        }
+    }
+}
 
 template <class Derived, class Keys, class V>
 qzDictBucket* qzTypedDictionary<Derived, Keys, V>::addInternal(const void* key, const void* value) {

@@ -3,12 +3,18 @@
 // Adds to qzTypedArray the type object, Type, and the transcription: the used
 // size in bytes, the element size, and the elements in one call.
 //
+//     class qzIntArray : public qzXDRArray<qzIntArray, int, qzIntArray_type>
+//
 // Deliberate: every member names itself "ARRAY" in a stream, where the element
 // size tells them apart. A reader creates the class that was registered last
 // under that name, qzUnsignedShortArray, and it holds the elements of any other
 // by their width. Callers read arrays back without linking to the class that
 // wrote them. Pinned by qzXDRArray.ArrayNameResolvesToUnsignedShort and
 // qzXDRArray.ElementsOfAnotherSizeComeBackRight.
+//
+// After reading data of unknown origin, compare elementSize() with what is
+// expected before using the elements as T: appending or inserting to an array
+// with elements of another size ends the process.
 //
 // Errors: reading, xdr() is false for sizes that contradict each other or that
 // memory cannot hold, and the array can be used and destroyed.

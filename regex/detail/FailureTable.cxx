@@ -8,6 +8,8 @@ void FailureTable::close() {
     for (std::size_t i = 0; i < pageCount; ++i)
         qzRawFree(pages[i]);
     qzRawFree(pages);
+    pages = nullptr;
+    pageCount = 0;
 }
 
 bool FailureTable::open(unsigned choiceCount, std::size_t length) {

@@ -23,6 +23,8 @@ class FailureTable {
     // Makes the table ready for positions 0 to length; false without memory.
     bool open(unsigned choiceCount, std::size_t length);
     bool isOpen() const { return pages != nullptr; }
+    // Gives the memory back.
+    void close();
 
     bool visited(unsigned choice, std::size_t position) const {
         const std::uint32_t* page = pages[pageIndex(choice, position)];
@@ -31,8 +33,6 @@ class FailureTable {
     void visit(unsigned choice, std::size_t position);
 
   private:
-    void close();
-
     static constexpr std::size_t bitsPerPage = 8 * 4096;
 
     std::size_t pageIndex(unsigned choice, std::size_t position) const {

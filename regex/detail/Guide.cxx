@@ -90,9 +90,11 @@ Literal literalAt(const char* exactly) {
     return literal;
 }
 
-bool isChoice(const char* node) {
+// Whether the table keeps marks for the node: several ways go on from it, or, at
+// the end of a group, come together in it.
+bool isMarked(const char* node) {
     const unsigned char op = opcode(node);
-    return op == STAR || op == PLUS || (op == BRANCH && nextBranch(node));
+    return op == STAR || op == PLUS || op > CLOSE || (op == BRANCH && nextBranch(node));
 }
 
 class Builder {
@@ -157,7 +159,7 @@ void Builder::numberNodes() {
         const auto offset = static_cast<std::uint16_t>(node - program);
         order[i] = offset;
         numbers[offset] =
-            static_cast<std::uint16_t>(isChoice(node) ? guide->choiceCount++ : --others);
+            static_cast<std::uint16_t>(isMarked(node) ? guide->choiceCount++ : --others);
         const unsigned char op = opcode(node);
         if (op == BACK) loops = true;
         node = operand(node);

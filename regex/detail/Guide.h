@@ -47,7 +47,8 @@ struct Guide {
     // What the text has to go on with for the node to match.
     const CharSet& first(const char* node) const { return sets[numbers[node - program]]; }
 
-    // The number, below choiceCount, of a node with several ways to go on.
+    // The number, below choiceCount, of a node with several ways to go on, or of
+    // a group's end, where several ways come together.
     unsigned choice(const char* node) const { return numbers[node - program]; }
 
     // Of a STAR or PLUS: nothing that comes next can begin with a character

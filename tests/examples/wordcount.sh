@@ -33,6 +33,14 @@ if [ -r /var/lib/dpkg/status ]; then
     "$program" >"$dir/default"
     diff "$dir/expected" "$dir/default"
 fi
+# A word may hold a NUL: it counts, and is shown up to it.
+printf 'a\0b a\0b c\n' >"$dir/nul"
+test "$("$program" "$dir/nul")" = "      2 a
+      1 c"
+if "$program" "$dir" 2>/dev/null; then
+    echo "a directory passed for a text"
+    exit 1
+fi
 if "$program" "$dir/missing" 2>"$dir/error"; then
     echo "a missing file went unnoticed"
     exit 1

@@ -524,6 +524,9 @@ TEST(qzregexec, HostilePatternsEnd) {
         SCOPED_TRACE(pattern);
         EXPECT_EQ(search(pattern, a), "no match");
     }
+    // What follows a group is tried once, not once for each alternative.
+    const std::string many = "(" + repeated("a|", 999) + "a)" + repeated("a", 8000) + "[bc]";
+    EXPECT_EQ(search(many, std::string(20000, 'a')), "no match");
     EXPECT_EQ(search("(a+)+[bc]", a + "c"), "0-100001 0-100000");
     // Failures far back must not be taken for ones here.
     EXPECT_EQ(search("(a|aa)*[bc]d", a + "bx" + a + "bd"), "100002-200004 200001-200002");

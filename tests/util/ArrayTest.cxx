@@ -320,6 +320,17 @@ TEST(qzTypedArray, DerivedClassesSortByTheirOwnComparison) {
         a.append(value);
     a.qsort();
     EXPECT_EQ(toInts(a), (std::vector<int>{256, 3, 2, 1}));
+
+    struct Member : qzTypedArray<Member, int> { // one of its own
+        int compareElements(const void* a, const void* b) const override {
+            return *static_cast<const int*>(b) - *static_cast<const int*>(a);
+        }
+    } b;
+    for (int value : {3, 1, 256, 2})
+        b.append(value);
+    b.qsort();
+    EXPECT_EQ(b[0], 256);
+    EXPECT_EQ(b[3], 1);
 }
 
 } // namespace

@@ -105,6 +105,8 @@ TEST(qzTypedDictionary, HooksOfAClassDerivedFromAMemberRule) {
     dict.add("ten", "3");
     merged.qzStrStrDictionary::operator=(dict);
     EXPECT_STREQ(merged["six"].c_str(), "3");
+    LengthDict copy(lengths);
+    EXPECT_STREQ(copy.find("six")->c_str(), "3"); // its entry hangs where it did
     dict.remove("six");
     EXPECT_EQ(dict.size(), 0u);
     EXPECT_EQ(lengths.added + merged.added, 2 + 1);

@@ -72,6 +72,14 @@ TEST(qzStrXdr, LengthsThatNoTextHasFail) {
     EXPECT_TRUE(s == "again");
 }
 
+TEST(qzStrXdr, TextWithoutItsTerminatorFails) {
+    qzStr s;
+    EXPECT_FALSE(reads(s, word(5) + "abcde"));
+    EXPECT_TRUE(s == "");
+    EXPECT_FALSE(reads(s, word(5) + "ab"));
+    EXPECT_EQ(s.data, &qzStr::emptyString);
+}
+
 // Arrays
 
 TEST(qzArrayXdr, SizesAreTheStreamsOnEveryTarget) {
@@ -135,6 +143,10 @@ TEST(qzXDRArray, ElementsOfAnotherSizeComeBackRight) {
     const qzUnsignedShortArray copy(carrier);
     EXPECT_EQ(copy.length(), 3u);
 
+    // A long of 8 bytes in memory could not be told from a double.
+    qzLongArray longs;
+    EXPECT_EQ(reads(longs, word(8) + half(8) + "01234567"), sizeof(long) == 4);
+
     for (unsigned short width : {1, 2, 4, 8}) {
         const std::string bytes = word(width * 2) + half(width) + std::string(width * 2, 'x');
         ASSERT_TRUE(reads(carrier, bytes));
@@ -142,6 +154,29 @@ TEST(qzXDRArray, ElementsOfAnotherSizeComeBackRight) {
         EXPECT_EQ(carrier.elementSize(), width);
         EXPECT_EQ(written(carrier), bytes);
     }
+}
+
+// What the stream chose must not let typed operations leave the block.
+TEST(qzXDRArray, TypedUseOfAnotherSizeStaysInsideTheBlock) {
+    qzDoubleArray a;
+    ASSERT_TRUE(reads(a, word(3) + half(1) + "abc"));
+    for (unsigned i = 0; i < a.length(); ++i)
+        a[i] = 1.0;
+    EXPECT_EQ(a.find(1.0), -1);
+    qzUnsignedShortArray wide;
+    ASSERT_TRUE(reads(wide, word(8) + half(8) + "01234567"));
+    EXPECT_EQ(wide.find(0x3130), -1);
+}
+
+TEST(qzXDRArrayDeathTest, AddingToElementsOfAnotherSizeIsFatal) {
+    qzDoubleArray a;
+    ASSERT_TRUE(reads(a, word(3) + half(1) + "abc"));
+    const char* const message = "^qzArray: elements of 8 bytes where 1 are held\n$";
+    EXPECT_EXIT(a.append(1.0), testing::KilledBySignal(SIGABRT), message);
+    EXPECT_EXIT(a.insert(1.0, 0), testing::KilledBySignal(SIGABRT), message);
+    qzDoubleArray doubles(1);
+    EXPECT_EXIT(a.append(doubles), testing::KilledBySignal(SIGABRT), message);
+    EXPECT_EXIT(a.insert(doubles, 0), testing::KilledBySignal(SIGABRT), message);
 }
 
 TEST(qzArrayXdr, SizesThatContradictEachOtherFail) {
@@ -317,6 +352,13 @@ TEST(qzSetXdr, CopyOfAnEmptySetComesBackAsOne) {
     EXPECT_TRUE(reads(back, written(copy)));
     EXPECT_EQ(back.size(), 0u);
     EXPECT_FALSE(back.contains("x"));
+    back.add("x");
+    EXPECT_TRUE(back.contains("x"));
+}
+
+TEST(qzSetXdr, SetsGoByTheNameOfTheBase) {
+    EXPECT_STREQ(qzStrSet(1).className(), "qzXDRObj");
+    EXPECT_STREQ(qzStrSet(1).getTypeObj().name, "SET");
 }
 
 TEST(qzSetXdr, TmpSetFailsAtItsFirstKey) {

@@ -2,7 +2,7 @@
 //
 // Units: bytes throughout. Every function is happy with zero bytes and null.
 // Errors: a block that cannot be had ends the process through qzFatal, except
-// in qzRawTryAlloc, which serves sizes that come from outside the process.
+// where the name says Try: these serve sizes that come from outside the process.
 #ifndef QZ_UTIL_DETAIL_RAWMEMORY_H
 #define QZ_UTIL_DETAIL_RAWMEMORY_H
 
@@ -10,7 +10,13 @@
 #include <cstring>
 #include <functional>
 
-#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__)
+#if defined(__has_feature)
+#define QZ_CLANG_ADDRESS_SANITIZER __has_feature(address_sanitizer)
+#else
+#define QZ_CLANG_ADDRESS_SANITIZER 0
+#endif
+
+#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__) && !QZ_CLANG_ADDRESS_SANITIZER
 #define QZ_BLOCKS_TELL_THEIR_SIZE 1
 #include <malloc.h>
 #else
@@ -36,8 +42,9 @@ inline void* qzRawTryAlloc(std::size_t bytes) { return bytes ? std::malloc(bytes
 inline void* qzRawTryZeroed(std::size_t bytes) { return bytes ? std::calloc(bytes, 1) : nullptr; }
 
 // The block resized to `bytes`, which may move it; null for zero bytes. As in
-// any allocator with size classes, a block that grows gets up to an eighth more
-// than it asks for, and one that shrinks by less than a quarter stays as it is.
+// any allocator with size classes, a block that grows gets an eighth and 16 bytes
+// more than it asks for, and one stays as it is that shrinks by less than a
+// quarter of its new size and 64 bytes (4 kB for large ones).
 void* qzRawResize(void* block, std::size_t bytes);
 
 // The same, or null with the block unchanged when there is no memory.
