@@ -60,8 +60,8 @@ int qzArray::compareElements(const void* a, const void* b) const {
 
 bool qzArray::inside(const void* p) const { return qzRawInside(p, data, used); }
 
-void qzArray::requireElementSize(unsigned size) const {
-    if (size != elemSize) qzFatal("qzArray: elements of %u bytes where %u are held", size, elemSize);
+void qzArray::wrongElementSize(unsigned size) const {
+    qzFatal("qzArray: elements of %u bytes where %u are held", size, elemSize);
 }
 
 void qzArray::growTo(unsigned nbytes) {

@@ -126,7 +126,9 @@ class QZ_EXPORT qzArray : public qzXDRObj {
     // typedSize as well, so that a typed index stays inside it.
     bool takeRoom(unsigned n, unsigned short typedSize);
     // Ends the process for elements of another size than the array's.
-    void requireElementSize(unsigned size) const;
+    void requireElementSize(unsigned size) const {
+        if (size != elemSize) wrongElementSize(size);
+    }
 
     // qsort() for a class known to compare plain bytes: the same result without
     // a virtual call per comparison.
@@ -138,6 +140,7 @@ class QZ_EXPORT qzArray : public qzXDRObj {
     unsigned short elemSize; // bytes, at least 1
 
   private:
+    [[noreturn]] void wrongElementSize(unsigned size) const;
     void* copyOut(unsigned offset, unsigned nbytes) const;
     void growTo(unsigned nbytes);
     bool inside(const void* p) const;
