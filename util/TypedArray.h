@@ -85,7 +85,7 @@ class QZ_EXPORT qzTypedArray : public Elements {
     void append(const T& elem) {
         if constexpr (std::is_trivially_copyable_v<T>) {
             const T value = elem; // which may lie in the block that moves
-            if (this->allocated - this->used < sizeof(T)) {
+            if (this->used == this->allocated || this->elemSize != sizeof(T)) {
                 this->requireElementSize(sizeof(T));
                 this->expand();
             }
