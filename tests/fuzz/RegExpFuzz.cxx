@@ -24,41 +24,6 @@ void require(bool holds) {
     if (!holds) std::abort();
 }
 
-void requireSaneBounds(const qzregexp& program, const std::string& subject) {
-    const char* const begin = subject.c_str();
-    const char* const end = begin + subject.size();
-    for (int n = 0; n < 10; ++n) {
-        if (!program.startp[n] || !program.endp[n]) continue;
-        require(begin <= program.startp[n] && program.startp[n] <= program.endp[n] &&
-                program.endp[n] <= end);
-    }
-}
-
-void requireSameAsNaive(qzregexp* program, const std::string& subject, int found) {
-    const std::size_t longest = 500; // it recurses for every character
-    if (subject.size() > longest) return;
-    NaiveMatcher naive;
-    const int expected = naive.match(program, subject.c_str(), 20000);
-    if (naive.stepsLeft == 0) return;
-    const auto same = [&] {
-        return found == expected &&
-               (!expected || (std::equal(naive.startp, naive.startp + 10, program->startp) &&
-                              std::equal(naive.endp, naive.endp + 10, program->endp)));
-    };
-    require(same());
-    program->programSize = 0; // go by the program bytes alone
-    found = qzregexec(program, subject.c_str());
-    require(same());
-}
-
-void expand(const qzregexp& program, const std::string& subject, const std::string& source) {
-    const std::size_t largest = 1 << 20;
-    const std::size_t size = source.size() * (subject.size() + 1) + 1;
-    if (size > largest) return;
-    std::vector<char> dest(size);
-    qzregsub(&program, source.c_str(), dest.data());
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -66,17 +31,25 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const char* const end = at + size;
     const std::string pattern = takeText(at, end);
     const std::string subject = takeText(at, end);
-    const std::string source(at, std::find(at, end, '\0'));
+    const std::string source = takeText(at, end);
 
     qzregexp* const program = qzregcomp(pattern.c_str());
     if (!program) return 0;
-    const int found = qzregexec(program, subject.c_str());
-    if (found) {
+    if (qzregexec(program, subject.c_str())) {
         require(program->startp[0] && program->endp[0]);
-        requireSaneBounds(*program, subject);
-        expand(*program, subject, source);
+        const char* const begin = subject.c_str();
+        for (int n = 0; n < 10; ++n) {
+            const char *const start = program->startp[n], *const stop = program->endp[n];
+            if (!start || !stop) continue;
+            require(begin <= start && start <= stop && stop <= begin + subject.size());
+        }
+        const std::size_t largest = 1 << 20;
+        std::vector<char> dest(source.size() * (subject.size() + 1) + 1);
+        if (dest.size() <= largest) qzregsub(program, source.c_str(), dest.data());
     }
-    requireSameAsNaive(program, subject, found);
+    const std::size_t longest = 500; // the naive matcher recurses for every character
+    if (subject.size() <= longest)
+        require(NaiveMatcher::agrees(program, subject.c_str(), 20000).value_or(true));
     std::free(program);
     return 0;
 }

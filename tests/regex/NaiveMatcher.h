@@ -1,9 +1,7 @@
 // NaiveMatcher: matches a compiled program in the most obvious way, for tests.
 //
-// One recursive function over the program bytes that tries everything in order
-// and remembers nothing. It shares no code with the library: opcodes are
-// written out. Exponential, and deep in recursion: for short texts only; it
-// stops after a number of steps and says so.
+// Tries everything in order and remembers nothing; not even the opcodes are the
+// library's. Exponential: it gives up after a number of steps.
 #ifndef QZ_TESTS_REGEX_NAIVEMATCHER_H
 #define QZ_TESTS_REGEX_NAIVEMATCHER_H
 
@@ -11,118 +9,87 @@
 
 #include <cctype>
 #include <cstring>
+#include <optional>
 
 class NaiveMatcher {
   public:
-    const char* startp[10];
-    const char* endp[10];
-    unsigned long stepsLeft;
-
-    // 1 for a match and 0 for none, as long as there are stepsLeft afterwards.
-    int match(const qzregexp* prog, const char* string, unsigned long maxSteps = 10000000) {
-        stepsLeft = maxSteps;
-        begin = string;
-        if (prog->regmust && !std::strstr(string, prog->regmust)) return 0;
-        for (const char* at = string;; ++at) {
-            for (int n = 0; n < 10; ++n)
-                startp[n] = endp[n] = nullptr;
-            input = at;
-            if (run(prog->program + 1)) {
-                startp[0] = at;
-                endp[0] = input;
-                return 1;
-            }
-            if (*at == '\0' || prog->reganch) return 0;
+    // Whether the library finds what this one finds, as compiled and by the
+    // program bytes alone. Nothing when this one gives up.
+    static std::optional<bool> agrees(qzregexp* prog, const char* string, unsigned long maxSteps) {
+        NaiveMatcher naive(string, maxSteps);
+        const bool expected = naive.match(prog->program + 1);
+        if (naive.stepsLeft == 0) return std::nullopt;
+        const unsigned short size = prog->programSize, bytesAlone = 0;
+        for (const unsigned short guided : {bytesAlone, size}) {
+            prog->programSize = guided;
+            if (qzregexec(prog, string) != expected) return false;
+            // A block begins with its bounds.
+            if (expected && std::memcmp(prog, naive.bounds, sizeof bounds) != 0) return false;
         }
+        return true;
     }
 
   private:
-    static const char* next(const char* node) {
-        const int offset =
-            static_cast<unsigned char>(node[1]) * 256 + static_cast<unsigned char>(node[2]);
-        if (offset == 0) return nullptr;
-        return *node == 7 ? node - offset : node + offset;
+    enum { END, BOL, EOL, ANY, ANYOF, ANYBUT, BRANCH, BACK, EXACTLY, NOTHING, STAR, PLUS };
+    enum { WORDA = 12, WORDZ, OPEN = 20 };
+
+    NaiveMatcher(const char* string, unsigned long maxSteps) : stepsLeft(maxSteps), begin(string) {}
+
+    bool match(const char* program) {
+        const char*& start = bounds[0];
+        for (start = input = begin; !run(program); input = ++start)
+            if (*start == '\0') return false;
+        bounds[10] = input;
+        return true;
     }
 
     static bool word(char c) { return c == '_' || std::isalnum(static_cast<signed char>(c)); }
 
-    // One character by a node that is one character wide.
-    static bool takes(const char* node, char c) {
-        if (c == '\0') return false;
-        switch (*node) {
-        case 3:
-            return true;
-        case 4:
-            return std::strchr(node + 3, c) != nullptr;
-        case 5:
-            return std::strchr(node + 3, c) == nullptr;
-        case 8:
-            return c == node[3];
-        default:
-            return false;
-        }
+    // Where the node's text ends; null when it does not match.
+    const char* take(const char* node, const char* at) const {
+        const int op = *node;
+        if (op == BOL) return at == begin ? at : nullptr;
+        if (op == EOL) return *at == '\0' ? at : nullptr;
+        if (op == WORDA) return word(*at) && (at == begin || !word(at[-1])) ? at : nullptr;
+        if (op == WORDZ) return word(*at) ? nullptr : at;
+        if (op == BACK || op == NOTHING || op > OPEN) return at;
+        const std::size_t length = std::strlen(node + 3);
+        if (op == EXACTLY) return std::strncmp(at, node + 3, length) == 0 ? at + length : nullptr;
+        if (*at == '\0') return nullptr;
+        return op == ANY || !std::strchr(node + 3, *at) == (op == ANYBUT) ? at + 1 : nullptr;
     }
 
     bool run(const char* node) {
-        if (!node || stepsLeft == 0) return false;
-        --stepsLeft;
+        if (stepsLeft == 0 || --stepsLeft == 0) return false;
         const char* const saved = input;
-        const int op = static_cast<unsigned char>(*node);
-        switch (op) {
-        case 0:
-            return true;
-        case 1:
-            return input == begin && run(next(node));
-        case 2:
-            return *input == '\0' && run(next(node));
-        case 3:
-        case 4:
-        case 5:
-            if (!takes(node, *input)) return false;
-            ++input;
-            return run(next(node));
-        case 6:
-            if (*next(node) != 6) return run(node + 3);
-            for (; node && *node == 6; node = next(node)) {
-                if (run(node + 3)) return true;
-                input = saved;
-            }
-            return false;
-        case 7:
-        case 9:
-            return run(next(node));
-        case 8:
-            for (const char* literal = node + 3; *literal; ++literal, ++input) {
-                if (*input != *literal) return false;
-            }
-            return run(next(node));
-        case 10:
-        case 11: {
-            long count = 0;
-            while (takes(node + 3, input[count]))
-                ++count;
-            for (; count >= op - 10; --count) {
-                input = saved + count;
-                if (run(next(node))) return true;
+        const int distance = (node[1] & 255) * 256 + (node[2] & 255);
+        const char* const after = *node == BACK ? node - distance : node + distance;
+        if (*node == END) return true;
+        if (*node == BRANCH) {
+            if (run(node + 3)) return true;
+            input = saved;
+            return *after == BRANCH && run(after);
+        }
+        if (*node == STAR || *node == PLUS) {
+            while (const char* more = take(node + 3, input))
+                input = more;
+            for (const char* at = input; at >= saved + (*node == PLUS); --at) {
+                input = at;
+                if (run(after)) return true;
             }
             return false;
         }
-        case 12:
-            return word(*input) && !(input != begin && word(input[-1])) && run(next(node));
-        case 13:
-            return !word(*input) && run(next(node));
-        default: {
-            // A group's bound stays as the rest of the match has set it.
-            if (!run(next(node))) return false;
-            const char*& bound = op < 30 ? startp[op - 20] : endp[op - 30];
-            if (!bound) bound = saved;
-            return true;
-        }
-        }
+        input = take(node, saved);
+        if (!input || !run(after)) return false;
+        // A group's bound stays as the rest of the match has set it.
+        if (*node > OPEN && !bounds[*node - OPEN]) bounds[*node - OPEN] = saved;
+        return true;
     }
 
-    const char* begin = nullptr;
+    unsigned long stepsLeft;
+    const char* const begin;
     const char* input = nullptr;
+    const char* bounds[20] = {}; // starts, then ends
 };
 
 #endif

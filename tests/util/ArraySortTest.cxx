@@ -9,7 +9,6 @@
 #include "util/DoubleArray.h"
 #include "util/IntArray.h"
 #include "util/ShortArray.h"
-#include "util/StrArray.h"
 
 namespace {
 
@@ -139,17 +138,6 @@ TEST(qzArraySort, TypedSortsGiveTheVirtualOrder) {
     expectByteOrder<qzIntArray, int>();
     expectByteOrder<qzShortArray, short>();
     expectByteOrder<qzDoubleArray, double>();
-}
-
-TEST(qzArraySort, StringsSortByText) {
-    qzStrArray a;
-    for (const char* text : {"pear", "", "apple", "fig", "apple"})
-        a.append(text);
-    a.qsort();
-    std::string all;
-    for (unsigned i = 0; i < a.length(); ++i)
-        all += std::string(a[i].data) + ",";
-    EXPECT_EQ(all, ",apple,apple,fig,pear,");
 }
 
 } // namespace
