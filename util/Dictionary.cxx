@@ -133,14 +133,16 @@ void* qzDictionary::cut(const void* key) {
 }
 
 void qzDictionary::cleanup() {
+    if (numItems == 0) return;
     bool anyEntry = false;
-    qzVisitNodes(buckets, [this, &anyEntry](qzDictBucket* node, unsigned chain) {
+    unsigned left = numItems; // at most: chains beyond the last entry are not walked
+    qzVisitNodes(buckets, [this, &anyEntry, &left](qzDictBucket* node, unsigned chain) {
         destroyKey(node->kvmem);
         destroyValue(valueOf(node));
         delete node;
         buckets[chain] = nullptr; // the walk has the rest of the chain in hand
         anyEntry = true;
-        return true;
+        return --left > 0;
     });
     // An attached iterator stands on an entry. Without one this is the second
     // time, and the iterators in the registry are somebody else's by now.
@@ -199,30 +201,36 @@ unsigned char qzDictionary::readEntries(qzTranscriber& t, unsigned streamKeySize
         keySize = readKeySize;
         valueSize = readValueSize;
     }
-    if (!buckets.tryReplace(chains)) return 0;
+    const bool direct = chains <= qzFreelyClaimedChains;
+    qzUnsignedLongArray places; // of the entries, where the table is not made before them
+    if (!buckets.tryReplace(direct ? chains : 1)) return 0;
     for (unsigned i = 0; i < entries; ++i) {
-        if (!readEntry(t)) return 0;
+        const unsigned chain = readEntry(t, chains, direct);
+        if (chain == chains) return 0;
+        if (!direct) places.append(chain);
     }
-    return 1;
+    return direct || qzSpread(buckets, chains, places);
 }
 
-unsigned char qzDictionary::readEntry(qzTranscriber& t) {
+// The chain that the entry belongs to, or `chains` for none. It hangs there, or
+// in the only chain there is.
+unsigned qzDictionary::readEntry(qzTranscriber& t, unsigned chains, bool direct) {
     const std::size_t nbytes = std::size_t(keySize) + valueSize;
-    if (nbytes < keySize) return 0;
+    if (nbytes < keySize) return chains;
     char* block = static_cast<char*>(qzRawTryAlloc(nbytes));
-    if (!block && nbytes) return 0;
+    if (!block && nbytes) return chains;
     qzRawZero(block, nbytes);
     if (xdrKey(t, block)) {
         if (xdrValue(t, block + keySize)) {
             unsigned chain;
-            if (t.xdr(&chain, 1) && chain < buckets.length()) {
-                link(chain, block);
-                return 1;
+            if (t.xdr(&chain, 1) && chain < chains) {
+                link(direct ? chain : 0, block);
+                return chain;
             }
             destroyValue(block + keySize);
         }
         destroyKey(block);
     }
     qzRawFree(block);
-    return 0;
+    return chains;
 }

@@ -10,8 +10,9 @@
 //     destructor does not visit the entries, as the hooks are gone by then: a
 //     derived destructor calls cleanup() first.
 // Errors: none are reported; absence is null. Reading, doxdr() is false for
-//     sizes other than the class's own, chain indexes outside the chains and
-//     counts that memory cannot hold; what was read until then stays.
+//     sizes other than the class's own, chain indexes outside the chains,
+//     counts that memory cannot hold, and more than 16,777,216 chains with less
+//     than an entry for 1,024 of them; what was read until then stays.
 // Cost: the number of chains is fixed at construction: give it what you expect
 //     to hold, as there is no rehashing. A lookup walks one chain. Iteration
 //     goes through the chains in order, most recently inserted entry first.
@@ -128,7 +129,7 @@ class QZ_EXPORT qzDictionary : public qzXDRObj {
     void discard(qzDictBucket* node);
     unsigned char writeEntries(qzTranscriber& t, unsigned streamKeySize, unsigned streamValueSize);
     unsigned char readEntries(qzTranscriber& t, unsigned streamKeySize, unsigned streamValueSize);
-    unsigned char readEntry(qzTranscriber& t);
+    unsigned readEntry(qzTranscriber& t, unsigned chains, bool direct);
 };
 
 static_assert(sizeof(void*) != 4 || sizeof(qzDictionary) == 68, "derived classes start behind it");

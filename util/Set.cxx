@@ -162,7 +162,7 @@ void qzSet::cleanup() {
     visitKeys(*this, [this](qzSetBucket* node, unsigned) {
         destroyKey(node->kvmem);
         discard(node);
-        return true;
+        return numItems > 0; // chains beyond the last key are not walked
     });
 }
 
@@ -202,27 +202,34 @@ unsigned char qzSet::readKeys(qzTranscriber& t, unsigned streamKeySize) {
     cleanup(); // a set that is read into again
     buckets.resize(0);
     if (anySize) keySize = readKeySize;
-    if (!buckets.tryReplace(chains || keys ? chains : qzDefaultChains)) return 0;
+    if (chains == 0 && keys == 0) chains = qzDefaultChains;
+    const bool direct = chains <= qzFreelyClaimedChains;
+    qzUnsignedLongArray places; // of the keys, where the table is not made before them
+    if (!buckets.tryReplace(direct ? chains : 1)) return 0;
     for (unsigned i = 0; i < keys; ++i) {
-        if (!readKey(t)) return 0;
+        const unsigned chain = readKey(t, chains, direct);
+        if (chain == chains) return 0;
+        if (!direct) places.append(chain);
     }
-    return 1;
+    return direct || qzSpread(buckets, chains, places);
 }
 
-unsigned char qzSet::readKey(qzTranscriber& t) {
+// The chain that the key belongs to, or `chains` for none. It hangs there, or in
+// the only chain there is.
+unsigned qzSet::readKey(qzTranscriber& t, unsigned chains, bool direct) {
     char* block = static_cast<char*>(qzRawTryAlloc(keySize));
-    if (!block && keySize) return 0;
+    if (!block && keySize) return chains;
     qzRawZero(block, keySize);
     if (xdrKey(t, block)) {
         unsigned chain;
-        if (t.xdr(&chain, 1) && chain < buckets.length()) {
-            link(chain, block);
-            return 1;
+        if (t.xdr(&chain, 1) && chain < chains) {
+            link(direct ? chain : 0, block);
+            return chain;
         }
         destroyKey(block);
     }
     qzRawFree(block);
-    return 0;
+    return chains;
 }
 
 // qzTmpSet

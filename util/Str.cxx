@@ -13,6 +13,7 @@
 #include "xdr/TypeObj.h"
 
 char qzStr::emptyString = 0;
+const void* qzStr::textBeingRead = nullptr;
 unsigned qzStr::resizeIncrement = 10;
 int qzStr::delim_idx = -1;
 
@@ -392,7 +393,9 @@ unsigned char qzStr::read(qzTranscriber& t) {
         return 0;
     }
     if (slength == 1) return 1;
+    textBeingRead = &data;
     const unsigned char arrived = t.xdr(&data, slength);
+    textBeingRead = nullptr;
     const bool here = data && data != &emptyString; // else it comes later
     if (arrived && data && !(here && data[slength - 1])) return 1;
     if (here) release();

@@ -151,6 +151,11 @@ class QZ_EXPORT qzStr {
     static int delim_idx;            // index of a stream's delimiter word; -1 until used
 
   private:
+    // A reader asks whether the member that it is to fill is a string's, which
+    // will free what it gets and refuses text without its NUL.
+    friend class qzBinaryReader;
+    static const void* textBeingRead; // the address of that string's `data`, or null
+
     static char* newText(const char* s, unsigned len);
     void resizeInternal(unsigned n);
     void assign(const char* s, unsigned len);

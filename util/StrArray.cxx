@@ -1,5 +1,9 @@
 #include "util/StrArray.h"
 
+#include <algorithm>
+
+#include "xdr/BinaryReader.h"
+
 namespace {
 
 unsigned char xdrStrings(qzStrArray& strings, unsigned from, unsigned to, qzTranscriber& t) {
@@ -26,15 +30,21 @@ unsigned char qzStrArray::read(qzTranscriber& t) {
     clear(sizeof(qzStr));
     if (!xdrSizes(t, streamUsed, streamElemSize)) return 0;
     if (streamElemSize != qzStreamSize<qzStr>()) return 0;
-    // The strings stay where they are from here on, as a transcriber may supply
-    // their text only later. They are constructed before they are read, so that a
-    // failure leaves an array that can be destroyed, but not all of a huge number
-    // that is only claimed: the memory of a block costs nothing until it is used.
+    // Strings are constructed before they are read, so that a failure leaves an
+    // array that can be destroyed. A binary reader supplies their text only later
+    // and is told of strings that move, so that room can be taken as they come; a
+    // transcriber of another kind gets strings that stay where they are.
     const unsigned n = streamUsed / streamElemSize;
-    const unsigned atOnce = 65536;
-    if (!takeRoom(n, sizeof(qzStr))) return 0;
+    const unsigned first = 65536;
+    qzBinaryReader* const reader = n > first ? dynamic_cast<qzBinaryReader*>(&t) : nullptr;
+    if (!reader && !takeRoom(n, sizeof(qzStr))) return 0;
     for (unsigned have = 0; have < n;) {
-        const unsigned wanted = n - have < atOnce ? n : have + atOnce;
+        const unsigned wanted = std::min(n - have, std::max(first, have)) + have;
+        if (reader) {
+            const char* const old = static_cast<char*>(data);
+            if (!takeRoom(wanted, sizeof(qzStr))) return 0;
+            reader->membersMoved(old, used, static_cast<char*>(data));
+        }
         createElements(at(have), (wanted - have) * elemSize);
         used = wanted * elemSize;
         if (!xdrStrings(*this, have, wanted, t)) return 0;

@@ -12,18 +12,46 @@ class QZ_EXPORT qzBinaryTranscriber : public virtual qzTranscriber {
     ~qzBinaryTranscriber() override;
 
   protected:
-    // The object table: as a qzBinaryOTDict, but with more chains as it fills,
-    // so that the cost of an object does not grow with the graph.
-    class Table : public qzBinaryOTDict {
+    // Blocks of one size that are taken and given back last first. They come from
+    // the heap many at a time and do not move.
+    class QZ_EXPORT Blocks {
       public:
-        Table() : qzBinaryOTDict(0) {}
+        explicit Blocks(unsigned blockSize) : blockSize(blockSize), used(0) {}
+        Blocks(const Blocks&) = delete;
+        Blocks& operator=(const Blocks&) = delete;
+        ~Blocks() { clear(); }
+        void* take();
+        void giveBack();
+        void clear();
+
+      private:
+        static const unsigned perChunk = 256;
+        void freeChunksFrom(unsigned n);
+
+        const unsigned blockSize; // bytes
+        unsigned used;            // blocks
+        qzVoidPtrArray chunks;
+    };
+
+    // The object table: as a qzBinaryOTDict, but with more chains as it fills,
+    // so that the cost of an object does not grow with the graph, and with its
+    // entries in few blocks. They cannot be removed one by one.
+    class Table : private qzBinaryOTDict {
+      public:
+        Table();
+        ~Table() override;
         unsigned long* lookup(unsigned long key) const;
         void set(unsigned long key, unsigned long value);
+        // For a key that is not there. The value stays where it is until clear().
+        unsigned long* add(unsigned long key, unsigned long value);
         // Removes every entry and goes back to the default chains.
         void clear();
 
       private:
+        struct Entry;
         void relink(unsigned chains);
+
+        Blocks entries;
     };
 
     // Record kinds; 5 to 9 are the tags of primitive arrays.

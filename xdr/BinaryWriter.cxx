@@ -10,14 +10,17 @@
 // Lengths and fields are written least significant byte first, data as the
 // host's memory image. Fields by kind:
 //
-//      0  continuation           none      4      known array       id
+//      0  continuation           none      4      known array       id (0)
 //      1  null pointer           none      5-9    array body        id, length
 //      2  type definition        type id   10     object body       id, type id, version
-//      3  new array              id, length    11-14  pointers, parts   id
+//      3  new array              id, length    11-14  pointers, parts   id (0)
+//
+// (0) is a second field that is 0, put by the graph form only.
 #include "xdr/BinaryWriter.h"
 
 #include <climits>
 #include <cstring>
+#include <new>
 
 #include "util/Fatal.h"
 #include "util/Str.h"
@@ -28,6 +31,9 @@
 namespace {
 
 unsigned long keyOf(const void* address) { return reinterpret_cast<unsigned long>(address); }
+
+// In the graph form, marks the id of a body that has not begun.
+const unsigned long pendingMark = 0x80000000ul;
 
 // A record's header, byte by byte.
 class Header {
@@ -62,7 +68,10 @@ void putTag(Header& header, unsigned kind, unsigned dataLength) {
 
 } // namespace
 
-qzBinaryWriter::qzBinaryWriter(qzStream* newStream) : nextId(1) {
+qzBinaryWriter::qzBinaryWriter(qzStream* newStream) : qzBinaryWriter(newStream, Standard) {}
+
+qzBinaryWriter::qzBinaryWriter(qzStream* newStream, Form form)
+    : nextId(1), form(form), items(sizeof(qzBinaryWriterItem)) {
     setStream(newStream);
     table.set(keyOf(nullptr), 0);
 }
@@ -71,9 +80,8 @@ qzBinaryWriter::~qzBinaryWriter() { qzBinaryWriter::reset(); }
 
 void qzBinaryWriter::reset() {
     table.clear();
-    for (unsigned i = 0; i < work.length(); ++i)
-        delete static_cast<qzBinaryWriterItem*>(work[i]);
     work.resize(0);
+    items.clear();
 }
 
 const char* qzBinaryWriter::className() const { return "qzBinaryWriter"; }
@@ -86,6 +94,7 @@ void* qzBinaryWriter::readObject(qzTypeObj&) {
 
 unsigned char qzBinaryWriter::flush() {
     if (record.kind == Continuation && count == 0) return 1;
+    if (form == Graph && nextId > pendingMark) return 0;
     Header header;
     putTag(header, record.kind, count);
     switch (record.kind) {
@@ -115,6 +124,7 @@ unsigned char qzBinaryWriter::flush() {
     case NewPart:
     case KnownPart:
         header.put(record.id, 4);
+        if (form == Graph) header.put(0, 4);
         break;
     default:
         qzFatal("Whoops!");
@@ -194,15 +204,23 @@ unsigned char qzBinaryWriter::xdr(qzStr* values, unsigned n) {
 
 unsigned char qzBinaryWriter::writeArray(void* array, unsigned n, qzBinaryOTTag tag,
                                          unsigned memorySize, unsigned streamSize) {
-    if (!array) return writeNull();
+    if (!array && form == Standard) return writeNull();
     if (n > UINT_MAX / streamSize || !flush()) return 0;
-    if (const unsigned long* known = table.lookup(keyOf(array))) {
+    const unsigned length = n * streamSize;
+    bool isOut;
+    if (!array) {
+        record.id = 0;
+        isOut = true;
+    } else if (!findId(array, isOut)) {
+        record.id = push(
+            {qzBinaryWriterItem::PrimitiveArray, array, nullptr, length, tag, memorySize, nullptr},
+            nullptr);
+        isOut = false;
+    }
+    if (isOut) {
         record.kind = KnownArray;
-        record.id = static_cast<unsigned>(*known);
         return flush(); // at once: it carries no data
     }
-    const unsigned length = n * streamSize;
-    record.id = push({qzBinaryWriterItem::PrimitiveArray, array, nullptr, length, tag, memorySize});
     record.kind = NewArray;
     record.length = length;
     return 1;
@@ -227,9 +245,11 @@ unsigned char qzBinaryWriter::xdr(unsigned long** array, unsigned n) {
     return writeArray(*array, n, qzBOT_Longs, sizeof(long), 4);
 }
 unsigned char qzBinaryWriter::xdr(int** array, unsigned n) {
+    if constexpr (sizeof(int) == sizeof(long)) return qzTranscriber::xdr(array, n);
     return writeArray(*array, n, qzBOT_Longs, 4, 4);
 }
 unsigned char qzBinaryWriter::xdr(unsigned** array, unsigned n) {
+    if constexpr (sizeof(int) == sizeof(long)) return qzTranscriber::xdr(array, n);
     return writeArray(*array, n, qzBOT_Longs, 4, 4);
 }
 unsigned char qzBinaryWriter::xdr(float** array, unsigned n) {
@@ -249,11 +269,25 @@ unsigned char qzBinaryWriter::xdr(unsigned char** text) {
 
 // Objects
 
-unsigned qzBinaryWriter::push(const qzBinaryWriterItem& item) {
+unsigned qzBinaryWriter::push(qzBinaryWriterItem item, unsigned long* known) {
     const unsigned id = nextId++;
-    table.set(keyOf(item.address), id);
-    work.append(new qzBinaryWriterItem(item));
+    const unsigned long entry = form == Graph ? id | pendingMark : id;
+    if (known) {
+        *known = entry;
+    } else {
+        known = table.add(keyOf(item.address), entry);
+    }
+    item.id = known;
+    work.append(new (items.take()) qzBinaryWriterItem(item));
     return id;
+}
+
+bool qzBinaryWriter::findId(const void* address, bool& isOut) {
+    const unsigned long* const known = table.lookup(keyOf(address));
+    if (!known) return false;
+    isOut = form == Standard || !(*known & pendingMark);
+    record.id = static_cast<unsigned>(form == Standard ? *known : *known & ~pendingMark);
+    return true;
 }
 
 unsigned qzBinaryWriter::writeType(qzTypeObj& type) {
@@ -275,58 +309,66 @@ unsigned char qzBinaryWriter::xdr(void* member, qzXDRObj* object, qzTypeObj&, qz
     if (!address) return writeNull();
     if (!flush()) return 0;
     qzTypeObj& type = object->getTypeObj();
-    if (!writeType(type)) return 0;
-    if (const unsigned long* known = table.lookup(keyOf(address))) {
-        record.id = static_cast<unsigned>(*known);
-        record.kind = KnownObject;
-    } else {
-        record.id = push({qzBinaryWriterItem::Object, address, &type, 0, qzBOT_Chars, 0});
-        record.kind = NewObject;
+    if (form == Standard && !writeType(type)) return 0;
+    bool isOut;
+    if (!findId(address, isOut)) {
+        record.id =
+            push({qzBinaryWriterItem::Object, address, &type, 0, qzBOT_Chars, 0, nullptr}, nullptr);
+        isOut = false;
     }
+    record.kind = isOut ? KnownObject : NewObject;
     return 1;
 }
 
 unsigned char qzBinaryWriter::xdr(qzTypeObj& type, void* whole, void* part) {
     if (whole == part) return 1;
     if (!flush()) return 0;
-    if (const unsigned long* known = table.lookup(keyOf(part))) {
-        record.id = static_cast<unsigned>(*known);
+    bool isOut;
+    const bool isKnown = findId(part, isOut);
+    if (isKnown && isOut) {
         record.kind = KnownPart;
         return 1;
     }
-    record.id = nextId++;
+    // What waits for a part's body gets it here, in place.
+    if (!isKnown) record.id = nextId++;
     record.kind = NewPart;
     table.set(keyOf(part), record.id);
     return type.xdr(part, *this);
 }
 
 unsigned char qzBinaryWriter::writeObject(void* root, qzXDRObj* object) {
-    push({qzBinaryWriterItem::Object, root, &object->getTypeObj(), 0, qzBOT_Chars, 0});
+    push({qzBinaryWriterItem::Object, root, &object->getTypeObj(), 0, qzBOT_Chars, 0, nullptr},
+         table.lookup(keyOf(root)));
     while (const unsigned pending = work.length()) {
-        qzBinaryWriterItem* const newest = static_cast<qzBinaryWriterItem*>(work[pending - 1]);
-        const qzBinaryWriterItem item = *newest;
-        delete newest;
+        const qzBinaryWriterItem item = *static_cast<qzBinaryWriterItem*>(work[pending - 1]);
         work.remove(pending - 1, 1);
+        items.giveBack();
         if (!writeItem(item) || !flush()) return 0;
     }
     return 1;
 }
 
 unsigned char qzBinaryWriter::writeItem(const qzBinaryWriterItem& item) {
-    const unsigned id = static_cast<unsigned>(*table.lookup(keyOf(item.address)));
+    unsigned long& entry = *item.id;
+    if (form == Graph) {
+        if (!(entry & pendingMark)) return 1; // it went out as a part
+        entry &= ~pendingMark;
+    }
+    const unsigned id = static_cast<unsigned>(entry);
     return item.kind == qzBinaryWriterItem::Object ? writeObjectItem(item, id)
                                                    : writeArrayItem(item, id);
 }
 
-// Deliberate: the version is that of the type defined last, not the object's
-// own; readers compare it as it stands, and the library's types all have 1.
-// Pinned by qzBinaryWriter.ObjectsCarryTheVersionLastDefined.
+// Deliberate: in the standard form the version is that of the type defined last,
+// not the object's own; readers compare it as it stands, and the library's types
+// all have 1. Pinned by qzBinaryWriter.ObjectsCarryTheVersionLastDefined.
 unsigned char qzBinaryWriter::writeObjectItem(const qzBinaryWriterItem& item, unsigned id) {
     const unsigned typeId = writeType(*item.type);
     if (!typeId) return 0;
     record.kind = Object;
     record.id = id;
     record.typeId = typeId;
+    if (form == Graph) record.version = item.type->version;
     return item.type->xdr(item.address, *this);
 }
 

@@ -63,6 +63,10 @@ class QZ_EXPORT qzBinaryWriter : public qzBinaryTranscriber {
     unsigned char xdr(unsigned** array, unsigned n) override;
 
   protected:
+    // How references are put; what each is for is in xdr/BinaryGraphWriter.h.
+    enum Form : unsigned char { Standard, Graph };
+    qzBinaryWriter(qzStream* stream, Form form);
+
     // Puts out the record at hand.
     unsigned char flush();
     unsigned char writeBytes(const void* bytes, unsigned n);
@@ -72,16 +76,23 @@ class QZ_EXPORT qzBinaryWriter : public qzBinaryTranscriber {
     // n elements of one size in memory and in the stream.
     unsigned char writeArray(void* array, unsigned n, qzBinaryOTTag tag, unsigned memorySize,
                              unsigned streamSize);
-    // Queues a body under the next id, which it returns.
-    unsigned push(const qzBinaryWriterItem& item);
+    // Queues a body under the next id, which it returns; known is the address's
+    // place in the object table, if it has one.
+    unsigned push(qzBinaryWriterItem item, unsigned long* known);
     unsigned char writeItem(const qzBinaryWriterItem& item);
 
     unsigned nextId;
+    const Form form;
 
   private:
+    // Whether the address has an id, which becomes the record's; isOut tells
+    // whether its body has begun, as far as the form cares.
+    bool findId(const void* address, bool& isOut);
     unsigned char writeObjectItem(const qzBinaryWriterItem& item, unsigned id);
     unsigned char writeArrayItem(const qzBinaryWriterItem& item, unsigned id);
     template <class Long> unsigned char writeLongs(const Long* values, unsigned n);
+
+    Blocks items; // of the work list
 };
 
 #endif

@@ -15,6 +15,7 @@ struct qzBinaryWriterItem {
     unsigned length;     // of an array in the stream, bytes
     qzBinaryOTTag tag;   // of an array
     unsigned memorySize; // of an array's element: longs may be wider than in a stream
+    unsigned long* id;   // in the object table
 };
 
 #endif
