@@ -16,4 +16,7 @@ class QZ_EXPORT qzDebug {
     void parseOption(qzStr& option);
 };
 
+// Made by the library's start-up; null until then.
+extern QZ_EXPORT qzDebug* qz_theDebugger;
+
 #endif

@@ -8,6 +8,7 @@
 #include <ostream>
 #include <string>
 
+#include "event/Toolkit.h"
 #include "util/detail/RawMemory.h"
 #include "xdr/Transcriber.h"
 #include "xdr/TypeObj.h"
@@ -18,6 +19,9 @@ unsigned qzStr::resizeIncrement = 10;
 int qzStr::delim_idx = -1;
 
 qzTypeObj qzStr_type("qzStr", 1, qzStr::newInstance, qzStr::deleteInstance, qzStr::xdr);
+
+// The library's start-up is registered here, with what every program uses.
+qzOrderedGlobal qzOG_Init(qzOG_Init_cons, qzOG_Init_dest, nullptr, qzOrderedGlobal::toolkit);
 
 namespace {
 

@@ -4,6 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include "event/Application.h"
+#include "event/Data.h"
+#include "event/Event.h"
+#include "event/SelectHandler.h"
+#include "event/Timer.h"
 #include "util/Dictionary.h"
 #include "util/Set.h"
 #include "util/StrArray.h"
@@ -82,6 +87,19 @@ TEST(SlotOrder, SerializableBaseArrayAndStream) {
                       slot(&S::getLongs), slot(&S::getFloats), slot(&S::getDoubles),
                       slot(&S::putBytes), slot(&S::putShorts), slot(&S::putInts),
                       slot(&S::putLongs), slot(&S::putFloats), slot(&S::putDoubles)});
+}
+
+TEST(SlotOrder, DataflowObjectsAndValues) {
+    expectInOrder(2, {slot(&qzData::dataName), slot(&qzData::deliverTo), slot(&qzData::getValue),
+                      slot(&qzData::getSize)});
+    expectInOrder(
+        7, {slot(&qzObj::connect), slot(&qzObj::disconnect), slot(&qzObj::subClassMustDefine)});
+    expectInOrder(10, {slot(&qzEvent::deliver), slot(&qzEvent::dump), slot(&qzEvent::getChannel)});
+    expectInOrder(10, {slot(&qzSelectHandler::handleRead), slot(&qzSelectHandler::handleWrite),
+                       slot(&qzSelectHandler::handleException)});
+    expectInOrder(10, {slot(&qzApplication::initialize), slot(&qzApplication::open),
+                       slot(&qzApplication::close)});
+    expectInOrder(10, {slot(&qzTimer::tick)});
 }
 
 TEST(SlotOrder, DictionaryAndSetHooks) {

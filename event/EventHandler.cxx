@@ -1,0 +1,106 @@
+// What makes it safe to call receivers and destructors from here:
+//
+// (1) A fan-out is a qzFanOut, which the channel keeps right; the entry whose
+//     turn it is and the data are held, and each entry is asked whether it still
+//     stands after everything that may have called back.
+// (2) An event leaves the queue before it is delivered or destroyed, and its
+//     channel forgets it as pending before it is destroyed.
+// (3) A purge takes out all its events, into a qzDoomedEvents, before the first
+//     one is destroyed: none of them is delivered by what the others call back.
+// (4) An event that is destroyed leaves the queue it is in by itself, also the
+//     doomed ones, and one in delivery is a qzEventInFlight: nobody destroys it
+//     again.
+#include "event/EventHandler.h"
+
+#include <cassert>
+
+#include "event/Data.h"
+#include "event/EventTypes.h"
+#include "event/MessageEvent.h"
+#include "event/detail/DoomedEvents.h"
+#include "event/detail/EventInFlight.h"
+#include "event/detail/FanOut.h"
+
+qzEventHandler* qz_theEventHandler = nullptr;
+
+qzEventInFlight* qzEventInFlight::innermost;
+
+void qzEventHandler::postEvent(qzEvent* event, unsigned char urgent) {
+    if (urgent) {
+        insert(event);
+    } else {
+        append(event);
+    }
+}
+
+void qzEventHandler::postMessage(qzOutputChannel* output, qzData* data, qzObj::qzSendFlags how) {
+    assert(data || output->getNumberOfConnections() == 0);
+    if (!data) return;
+    const unsigned before = data->references();
+    data->addRef();
+    for (qzFanOut fanOut(*output); fanOut.notDone(); fanOut.advance())
+        sendTo(fanOut, data, how);
+    if (data->references() - 1 > before) {
+        data->delRef();
+    } else {
+        delete data;
+    }
+}
+
+// One connection's share. The entry is held: superseding and delivering may
+// take the connection away.
+void qzEventHandler::sendTo(const qzFanOut& fanOut, qzData* data, qzObj::qzSendFlags how) {
+    qzInputChannel* const entry = fanOut.entry();
+    entry->addRef();
+    if (entry->coalesces()) supersedePending(entry, how);
+    if (fanOut.stands()) {
+        if (how == qzObj::qzSF_Immediate) {
+            data->deliverTo(entry->getFunction(), entry->getObject());
+        } else if (how == qzObj::qzSF_Queued || how == qzObj::qzSF_Urgent) {
+            postTo(entry, data, how);
+        }
+    }
+    entry->delRef();
+}
+
+// A message that the destruction of the old one sends here is superseded, too,
+// when another one is about to be queued; it is newer than an immediate send.
+void qzEventHandler::supersedePending(qzInputChannel* entry, qzObj::qzSendFlags how) {
+    while (qzMessageEvent* old = entry->getPendingEvent()) {
+        entry->setPendingEvent(nullptr);
+        if (holds(old)) remove(old);
+        if (how == qzObj::qzSF_Immediate) return;
+    }
+}
+
+void qzEventHandler::postTo(qzInputChannel* entry, qzData* data, qzObj::qzSendFlags how) {
+    qzMessageEvent* const message = new qzMessageEvent(entry, data);
+    postEvent(message, how == qzObj::qzSF_Urgent);
+    if (entry->coalesces()) entry->setPendingEvent(message);
+}
+
+void qzEventHandler::distributeEvents() {
+    for (unsigned budget = count; budget > 0; --budget) {
+        qzEvent* const event = get();
+        if (!event) return;
+        qzEventInFlight flight(event);
+        event->deliver();
+        delete flight.get();
+    }
+}
+
+void qzEventHandler::removeEvents(Predicate predicate, void* arg) {
+    qzDoomedEvents doomed;
+    doomed.take(*this, predicate, arg);
+}
+
+void qzEventHandler::removeMessageEvents(qzInputChannel* channel) {
+    removeEvents(zapMessageEvents, channel);
+}
+
+unsigned char zapMessageEvents(qzEvent* event, void* channel) {
+    qzInputChannel* const wanted = static_cast<qzInputChannel*>(channel);
+    if (event->getType() != qzET_MessageEvent || event->getChannel() != wanted) return 0;
+    if (wanted->getPendingEvent() == event) wanted->setPendingEvent(nullptr);
+    return 1;
+}

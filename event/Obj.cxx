@@ -1,0 +1,73 @@
+#include "event/Obj.h"
+
+#include <cstring>
+
+#include "event/BoolData.h"
+#include "event/CharPtrData.h"
+#include "event/DoubleData.h"
+#include "event/EventHandler.h"
+#include "event/FloatData.h"
+#include "event/IntData.h"
+#include "event/LongData.h"
+#include "event/VoidData.h"
+#include "util/Fatal.h"
+#include "util/VoidPtrArray.h"
+#include "util/detail/RawMemory.h"
+
+// The inputs go first: what the other properties call back must not reach this
+// object any more. What is attached meanwhile goes as well.
+qzObj::~qzObj() {
+    if (!properties) return;
+    addRef(); // so that releases in here do not destroy it again
+    while (getNumberOfProperties()) {
+        removeProperty(inputs);
+        removeAllProperties();
+    }
+    delete properties;
+}
+
+void qzObj::subClassMustDefine(const char* method) const {
+    qzFatal("%s: Sub class must define method \"%s\"", className(), method);
+}
+
+int qzObj::compare(const qzObj*) const {
+    subClassMustDefine("compare");
+    return 0;
+}
+
+// Sending
+
+void qzObj::sendData(qzOutputChannel* output, qzData* data, qzSendFlags how) {
+    qz_theEventHandler->postMessage(output, data, how);
+}
+
+void qzObj::sendVoid(qzOutputChannel* output, qzSendFlags how) {
+    sendData(output, new qzVoidData, how);
+}
+
+void qzObj::sendBool(qzOutputChannel* output, unsigned char value, qzSendFlags how) {
+    sendData(output, new qzBoolData(value), how);
+}
+
+void qzObj::sendInt(qzOutputChannel* output, int value, qzSendFlags how) {
+    sendData(output, new qzIntData(value), how);
+}
+
+void qzObj::sendLong(qzOutputChannel* output, long value, qzSendFlags how) {
+    sendData(output, new qzLongData(value), how);
+}
+
+void qzObj::sendFloat(qzOutputChannel* output, float value, qzSendFlags how) {
+    sendData(output, new qzFloatData(value), how);
+}
+
+void qzObj::sendDouble(qzOutputChannel* output, double value, qzSendFlags how) {
+    sendData(output, new qzDoubleData(value), how);
+}
+
+void qzObj::sendCharPtr(qzOutputChannel* output, const char* text, qzSendFlags how) {
+    const std::size_t bytes = std::strlen(text) + 1;
+    char* const copy = static_cast<char*>(qzRawAlloc(bytes));
+    qzRawMove(copy, text, bytes);
+    sendData(output, new qzCharPtrData(copy), how);
+}
