@@ -2,7 +2,7 @@
 
 #include "util/DictIter.h"
 #include "util/detail/Chains.h"
-#include "xdr/Transcriber.h"
+#include "xdr/BinaryReader.h"
 
 qzTypeObj qzDictionary_type("qzDictionary", 1, nullptr, nullptr, qzDictionary::xdr);
 
@@ -201,36 +201,31 @@ unsigned char qzDictionary::readEntries(qzTranscriber& t, unsigned streamKeySize
         keySize = readKeySize;
         valueSize = readValueSize;
     }
-    const bool direct = chains <= qzFreelyClaimedChains;
-    qzUnsignedLongArray places; // of the entries, where the table is not made before them
-    if (!buckets.tryReplace(direct ? chains : 1)) return 0;
+    if (!qzBinaryReader::mayClaim(t, std::size_t(chains) * sizeof(void*))) return 0;
+    if (!buckets.tryReplace(chains)) return 0;
     for (unsigned i = 0; i < entries; ++i) {
-        const unsigned chain = readEntry(t, chains, direct);
-        if (chain == chains) return 0;
-        if (!direct) places.append(chain);
+        if (!readEntry(t)) return 0;
     }
-    return direct || qzSpread(buckets, chains, places);
+    return 1;
 }
 
-// The chain that the entry belongs to, or `chains` for none. It hangs there, or
-// in the only chain there is.
-unsigned qzDictionary::readEntry(qzTranscriber& t, unsigned chains, bool direct) {
+unsigned char qzDictionary::readEntry(qzTranscriber& t) {
     const std::size_t nbytes = std::size_t(keySize) + valueSize;
-    if (nbytes < keySize) return chains;
+    if (nbytes < keySize) return 0;
     char* block = static_cast<char*>(qzRawTryAlloc(nbytes));
-    if (!block && nbytes) return chains;
+    if (!block && nbytes) return 0;
     qzRawZero(block, nbytes);
     if (xdrKey(t, block)) {
         if (xdrValue(t, block + keySize)) {
             unsigned chain;
-            if (t.xdr(&chain, 1) && chain < chains) {
-                link(direct ? chain : 0, block);
-                return chain;
+            if (t.xdr(&chain, 1) && chain < buckets.length()) {
+                link(chain, block);
+                return 1;
             }
             destroyValue(block + keySize);
         }
         destroyKey(block);
     }
     qzRawFree(block);
-    return chains;
+    return 0;
 }

@@ -11,8 +11,8 @@
 //     derived destructor calls cleanup() first.
 // Errors: none are reported; absence is null. Reading, doxdr() is false for
 //     sizes other than the class's own, chain indexes outside the chains,
-//     counts that memory cannot hold, and more than 16,777,216 chains with less
-//     than an entry for 1,024 of them; what was read until then stays.
+//     counts that memory cannot hold or qzBinaryReader::mayClaim() refuses; what
+//     was read until then stays.
 // Cost: the number of chains is fixed at construction: give it what you expect
 //     to hold, as there is no rehashing. A lookup walks one chain. Iteration
 //     goes through the chains in order, most recently inserted entry first.
@@ -129,7 +129,7 @@ class QZ_EXPORT qzDictionary : public qzXDRObj {
     void discard(qzDictBucket* node);
     unsigned char writeEntries(qzTranscriber& t, unsigned streamKeySize, unsigned streamValueSize);
     unsigned char readEntries(qzTranscriber& t, unsigned streamKeySize, unsigned streamValueSize);
-    unsigned readEntry(qzTranscriber& t, unsigned chains, bool direct);
+    unsigned char readEntry(qzTranscriber& t);
 };
 
 static_assert(sizeof(void*) != 4 || sizeof(qzDictionary) == 68, "derived classes start behind it");

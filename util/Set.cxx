@@ -7,7 +7,7 @@
 #include "util/SetIter.h"
 #include "util/TmpSet.h"
 #include "util/detail/Chains.h"
-#include "xdr/Transcriber.h"
+#include "xdr/BinaryReader.h"
 
 qzTypeObj qzSet_type("qzSet", 1, nullptr, nullptr, qzSet::xdr);
 
@@ -203,33 +203,28 @@ unsigned char qzSet::readKeys(qzTranscriber& t, unsigned streamKeySize) {
     buckets.resize(0);
     if (anySize) keySize = readKeySize;
     if (chains == 0 && keys == 0) chains = qzDefaultChains;
-    const bool direct = chains <= qzFreelyClaimedChains;
-    qzUnsignedLongArray places; // of the keys, where the table is not made before them
-    if (!buckets.tryReplace(direct ? chains : 1)) return 0;
+    if (!qzBinaryReader::mayClaim(t, std::size_t(chains) * sizeof(void*))) return 0;
+    if (!buckets.tryReplace(chains)) return 0;
     for (unsigned i = 0; i < keys; ++i) {
-        const unsigned chain = readKey(t, chains, direct);
-        if (chain == chains) return 0;
-        if (!direct) places.append(chain);
+        if (!readKey(t)) return 0;
     }
-    return direct || qzSpread(buckets, chains, places);
+    return 1;
 }
 
-// The chain that the key belongs to, or `chains` for none. It hangs there, or in
-// the only chain there is.
-unsigned qzSet::readKey(qzTranscriber& t, unsigned chains, bool direct) {
+unsigned char qzSet::readKey(qzTranscriber& t) {
     char* block = static_cast<char*>(qzRawTryAlloc(keySize));
-    if (!block && keySize) return chains;
+    if (!block && keySize) return 0;
     qzRawZero(block, keySize);
     if (xdrKey(t, block)) {
         unsigned chain;
-        if (t.xdr(&chain, 1) && chain < chains) {
-            link(direct ? chain : 0, block);
-            return chain;
+        if (t.xdr(&chain, 1) && chain < buckets.length()) {
+            link(chain, block);
+            return 1;
         }
         destroyKey(block);
     }
     qzRawFree(block);
-    return chains;
+    return 0;
 }
 
 // qzTmpSet

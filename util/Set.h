@@ -113,7 +113,7 @@ class QZ_EXPORT qzSet : public qzXDRObj {
     void removeAt(const Place& place);
     unsigned char writeKeys(qzTranscriber& t, unsigned streamKeySize);
     unsigned char readKeys(qzTranscriber& t, unsigned streamKeySize);
-    unsigned readKey(qzTranscriber& t, unsigned chains, bool direct);
+    unsigned char readKey(qzTranscriber& t);
 };
 
 static_assert(sizeof(void*) != 4 || sizeof(qzSet) == 64, "derived classes start behind it");

@@ -10,16 +10,20 @@
 //
 // Ownership: holds a reference on its stream. Objects and arrays that were read
 //     belong to whoever gets the root; arrays come from malloc.
-// Errors: a stream that ends is false from an operation and null from
-//     readObject(); what had been read by then stays allocated, as the reader
-//     cannot know who owns what. Anything that is not the format ends in qzFatal,
-//     whatever the bytes are: no record is trusted with a length, an id or the
-//     kind of thing that an id stands for. What cannot be checked is the class
-//     behind an object pointer.
+// Errors: a stream that ends is false from an operation. Between the members of
+//     an object, readObject() makes that null; among them it is fatal, as is
+//     anything that is not the format, whatever the bytes are: no record is
+//     trusted with a length, an id or the kind of thing that an id stands for.
+//     What cannot be checked is the class behind an object pointer, and whether
+//     two objects each free what they share. What had been read by then stays
+//     allocated, as the reader cannot know who owns what.
 // Cost: one stream call for the data of a record. Memory grows with what the
 //     stream really has, not with what it claims.
 #ifndef QZ_XDR_BINARYREADER_H
 #define QZ_XDR_BINARYREADER_H
+
+#include <cstddef>
+#include <cstdint>
 
 #include "xdr/BinaryReaderItem.h"
 #include "xdr/BinaryTranscriber.h"
@@ -61,13 +65,19 @@ class QZ_EXPORT qzBinaryReader : public qzBinaryTranscriber {
                       void* context) override;
     unsigned char xdr(qzTypeObj& type, void* whole, void* part) override;
 
-    // The root of the next graph, or null when the stream ends before the graph
-    // does. Deliberate: the type is not consulted, a graph's first record tells
+    // The root of the next graph, or null when the stream ends at or between the
+    // bodies of the graph. Deliberate: the type is not consulted, a graph's first record tells
     // it; callers pass whatever type object they have. Pinned by
     // qzBinaryReader.RootIsWhatTheStreamSays.
     void* readObject(qzTypeObj& type) override;
     unsigned char writeObject(void* root, qzXDRObj* object) override; // fatal: it is a reader
     const char* className() const override;
+
+    // Whether memory may be taken that a stream claims before it has shown what is
+    // to go in there, and that costs address space only until then. Of what is
+    // not small, one binary reader grants a gigabyte and 64 bytes for each byte
+    // that came; other transcribers grant everything.
+    static bool mayClaim(qzTranscriber& t, std::size_t nbytes);
 
     // Pointer members that were transcribed as the last ones have moved, with the
     // block of so many bytes that they are in: those that wait are filled in at
@@ -135,9 +145,11 @@ class QZ_EXPORT qzBinaryReader : public qzBinaryTranscriber {
     void store(const qzBinaryReaderItem& item);
     void takeArray(const qzBinaryReaderItem& item, Known& array);
 
-    Group* groups; // all, newest first
-    Group* recent; // where the last id was
-    Blocks items;  // of the work list
+    Group* groups;         // all, newest first
+    Group* recent;         // where the last id was
+    Blocks items;          // of the work list
+    std::uint64_t came;    // bytes from the stream, at least
+    std::uint64_t claimed; // bytes that were granted
 };
 
 // What qzTranscriber::addTranscriber() is given for "qzBinaryWriter".

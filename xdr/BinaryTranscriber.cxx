@@ -46,7 +46,7 @@ struct qzBinaryTranscriber::Table::Entry {
 
 qzBinaryTranscriber::Table::Table() : qzBinaryOTDict(0), entries(sizeof(Entry)) {}
 
-qzBinaryTranscriber::Table::~Table() { clear(); }
+qzBinaryTranscriber::Table::~Table() { numItems = 0; } // the base destroys none of them
 
 unsigned long* qzBinaryTranscriber::Table::lookup(unsigned long key) const {
     const unsigned chain = qzAddressKeys::hash(key) % buckets.length();
@@ -92,6 +92,7 @@ void qzBinaryTranscriber::Table::relink(unsigned chains) {
 // The entries go with their blocks: the nodes, which would free their key, are
 // not destroyed.
 void qzBinaryTranscriber::Table::clear() {
+    if (numItems == 0) return;
     numItems = 0;
     buckets.resize(0);
     buckets.resize(qzDefaultChains);

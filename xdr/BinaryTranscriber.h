@@ -44,7 +44,8 @@ class QZ_EXPORT qzBinaryTranscriber : public virtual qzTranscriber {
         void set(unsigned long key, unsigned long value);
         // For a key that is not there. The value stays where it is until clear().
         unsigned long* add(unsigned long key, unsigned long value);
-        // Removes every entry and goes back to the default chains.
+        // Removes every entry and goes back to the default chains; nothing if
+        // there is none.
         void clear();
 
       private:
@@ -84,6 +85,10 @@ class QZ_EXPORT qzBinaryTranscriber : public virtual qzTranscriber {
 
     qzBinaryTranscriber();
 
+    static unsigned long addressKey(const void* address) {
+        return reinterpret_cast<unsigned long>(address);
+    }
+
     char buffer[bufferSize];
     char* cursor;      // next byte to write or read
     unsigned capacity; // bufferSize
@@ -91,6 +96,7 @@ class QZ_EXPORT qzBinaryTranscriber : public virtual qzTranscriber {
     Table table;
     Record record;
     qzVoidPtrArray work; // pending items, used as a stack
+    Table parts;         // ids by address of the parts of the object at hand
 };
 
 #endif

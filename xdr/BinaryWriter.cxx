@@ -30,8 +30,6 @@
 
 namespace {
 
-unsigned long keyOf(const void* address) { return reinterpret_cast<unsigned long>(address); }
-
 // In the graph form, marks the id of a body that has not begun.
 const unsigned long pendingMark = 0x80000000ul;
 
@@ -73,13 +71,14 @@ qzBinaryWriter::qzBinaryWriter(qzStream* newStream) : qzBinaryWriter(newStream, 
 qzBinaryWriter::qzBinaryWriter(qzStream* newStream, Form form)
     : nextId(1), form(form), items(sizeof(qzBinaryWriterItem)) {
     setStream(newStream);
-    table.set(keyOf(nullptr), 0);
+    table.set(addressKey(nullptr), 0);
 }
 
 qzBinaryWriter::~qzBinaryWriter() { qzBinaryWriter::reset(); }
 
 void qzBinaryWriter::reset() {
     table.clear();
+    parts.clear();
     work.resize(0);
     items.clear();
 }
@@ -163,9 +162,13 @@ unsigned char qzBinaryWriter::writeNull() {
 
 // Values
 
+unsigned char qzBinaryWriter::writeValues(const void* values, unsigned n, unsigned size) {
+    return n <= UINT_MAX / size && writeBytes(values, n * size);
+}
+
 template <class Long> unsigned char qzBinaryWriter::writeLongs(const Long* values, unsigned n) {
     if constexpr (sizeof(Long) == 4) {
-        return writeBytes(values, n * 4);
+        return writeValues(values, n, 4);
     } else {
         for (unsigned i = 0; i < n; ++i) {
             const unsigned narrow = static_cast<unsigned>(values[i]);
@@ -182,16 +185,16 @@ unsigned char qzBinaryWriter::xdr(char* values, unsigned n) { return writeBytes(
 unsigned char qzBinaryWriter::xdr(unsigned char* values, unsigned n) {
     return writeBytes(values, n);
 }
-unsigned char qzBinaryWriter::xdr(short* values, unsigned n) { return writeBytes(values, n * 2); }
+unsigned char qzBinaryWriter::xdr(short* values, unsigned n) { return writeValues(values, n, 2); }
 unsigned char qzBinaryWriter::xdr(unsigned short* values, unsigned n) {
-    return writeBytes(values, n * 2);
+    return writeValues(values, n, 2);
 }
 unsigned char qzBinaryWriter::xdr(long* values, unsigned n) { return writeLongs(values, n); }
 unsigned char qzBinaryWriter::xdr(unsigned long* values, unsigned n) {
     return writeLongs(values, n);
 }
-unsigned char qzBinaryWriter::xdr(float* values, unsigned n) { return writeBytes(values, n * 4); }
-unsigned char qzBinaryWriter::xdr(double* values, unsigned n) { return writeBytes(values, n * 8); }
+unsigned char qzBinaryWriter::xdr(float* values, unsigned n) { return writeValues(values, n, 4); }
+unsigned char qzBinaryWriter::xdr(double* values, unsigned n) { return writeValues(values, n, 8); }
 
 unsigned char qzBinaryWriter::xdr(qzStr* values, unsigned n) {
     for (unsigned i = 0; i < n; ++i) {
@@ -275,7 +278,7 @@ unsigned qzBinaryWriter::push(qzBinaryWriterItem item, unsigned long* known) {
     if (known) {
         *known = entry;
     } else {
-        known = table.add(keyOf(item.address), entry);
+        known = table.add(addressKey(item.address), entry);
     }
     item.id = known;
     work.append(new (items.take()) qzBinaryWriterItem(item));
@@ -283,7 +286,7 @@ unsigned qzBinaryWriter::push(qzBinaryWriterItem item, unsigned long* known) {
 }
 
 bool qzBinaryWriter::findId(const void* address, bool& isOut) {
-    const unsigned long* const known = table.lookup(keyOf(address));
+    const unsigned long* const known = table.lookup(addressKey(address));
     if (!known) return false;
     isOut = form == Standard || !(*known & pendingMark);
     record.id = static_cast<unsigned>(form == Standard ? *known : *known & ~pendingMark);
@@ -291,12 +294,12 @@ bool qzBinaryWriter::findId(const void* address, bool& isOut) {
 }
 
 unsigned qzBinaryWriter::writeType(qzTypeObj& type) {
-    if (const unsigned long* known = table.lookup(keyOf(&type))) {
+    if (const unsigned long* known = table.lookup(addressKey(&type))) {
         return static_cast<unsigned>(*known);
     }
     if (!flush()) return 0;
     const unsigned id = nextId++;
-    table.set(keyOf(&type), id);
+    table.set(addressKey(&type), id);
     record.kind = TypeDefinition;
     record.typeId = id;
     record.version = type.version;
@@ -323,22 +326,31 @@ unsigned char qzBinaryWriter::xdr(void* member, qzXDRObj* object, qzTypeObj&, qz
 unsigned char qzBinaryWriter::xdr(qzTypeObj& type, void* whole, void* part) {
     if (whole == part) return 1;
     if (!flush()) return 0;
-    bool isOut;
+    bool isOut = false;
     const bool isKnown = findId(part, isOut);
-    if (isKnown && isOut) {
+    if (isPartOut(part, isKnown)) {
         record.kind = KnownPart;
         return 1;
     }
-    // What waits for a part's body gets it here, in place.
-    if (!isKnown) record.id = nextId++;
+    // In the graph form, what waits for a part's body gets it here, in place.
+    if (!isKnown || isOut) {
+        record.id = nextId++;
+    }
     record.kind = NewPart;
-    table.set(keyOf(part), record.id);
+    table.set(addressKey(part), record.id);
+    if (form == Graph) parts.add(addressKey(part), record.id);
     return type.xdr(part, *this);
+}
+
+// A reader builds each object from its own records: in the graph form a part is
+// out when this object has put it, not when an earlier one did.
+bool qzBinaryWriter::isPartOut(const void* part, bool isKnown) const {
+    return form == Standard ? isKnown : parts.lookup(addressKey(part)) != nullptr;
 }
 
 unsigned char qzBinaryWriter::writeObject(void* root, qzXDRObj* object) {
     push({qzBinaryWriterItem::Object, root, &object->getTypeObj(), 0, qzBOT_Chars, 0, nullptr},
-         table.lookup(keyOf(root)));
+         table.lookup(addressKey(root)));
     while (const unsigned pending = work.length()) {
         const qzBinaryWriterItem item = *static_cast<qzBinaryWriterItem*>(work[pending - 1]);
         work.remove(pending - 1, 1);
@@ -368,7 +380,10 @@ unsigned char qzBinaryWriter::writeObjectItem(const qzBinaryWriterItem& item, un
     record.kind = Object;
     record.id = id;
     record.typeId = typeId;
-    if (form == Graph) record.version = item.type->version;
+    if (form == Graph) {
+        record.version = item.type->version;
+        parts.clear();
+    }
     return item.type->xdr(item.address, *this);
 }
 

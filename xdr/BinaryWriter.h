@@ -4,7 +4,10 @@
 // is written once and given an id; later meetings refer to it by id. The format
 // is written front to back, without seeking.
 //
-// Objects of one writer share their ids until reset(). Members travel as the
+// Objects of one writer share their ids until reset(): what has been written is
+// referred to, not written again. Call it before a graph that holds anything
+// written before which has been changed, or destroyed and replaced, since. What
+// an array pointer points to must live until writeObject() returns. Members travel as the
 // data of the record that was opened last, 512 bytes at most; what exceeds them
 // goes to continuation records.
 //
@@ -88,6 +91,8 @@ class QZ_EXPORT qzBinaryWriter : public qzBinaryTranscriber {
     // Whether the address has an id, which becomes the record's; isOut tells
     // whether its body has begun, as far as the form cares.
     bool findId(const void* address, bool& isOut);
+    bool isPartOut(const void* part, bool isKnown) const;
+    unsigned char writeValues(const void* values, unsigned n, unsigned size);
     unsigned char writeObjectItem(const qzBinaryWriterItem& item, unsigned id);
     unsigned char writeArrayItem(const qzBinaryWriterItem& item, unsigned id);
     template <class Long> unsigned char writeLongs(const Long* values, unsigned n);

@@ -6,7 +6,8 @@
 // count that was just read.
 //
 // Units: the count n is a number of elements.
-// Errors: every xdr returns true on success. Pass false up at once.
+// Errors: every xdr returns true on success. Pass false up at once: what has
+//     failed may have gone while the reader still means to fill it in.
 // Ownership: what a pointer form allocates on reading comes from malloc and
 // belongs to the object whose pointer it was.
 #ifndef QZ_XDR_TRANSCRIBER_H
@@ -88,7 +89,8 @@ class QZ_EXPORT qzTranscriber : public qzRCObj {
     // getReader() reads a header and makes the reader that is registered under
     // the name in it. Both give null when the stream fails or nobody can be made;
     // a name that is not registered is fatal. The caller owns the transcriber,
-    // and deletes it.
+    // and deletes it. The transcriber holds a reference on the stream: without one
+    // of the caller's, the stream goes with it, also with a writer that fails.
     static qzTranscriber* getWriter(qzStream* stream);
     static qzTranscriber* getReader(qzStream* stream);
     // Registers a reader under its writer's class name; a later one replaces it.

@@ -18,10 +18,15 @@
 struct Part : qzXDRObj {
     static qzTypeObj type;
     static unsigned char xdr(void* part, qzTranscriber& t) {
-        return t.xdr(&static_cast<Part*>(part)->weight, 1);
+        Part& self = *static_cast<Part*>(part);
+        return t.xdr(&self.weight, 1) && self.name.xdr(t) && self.names.xdr(t) &&
+               self.dictionary.xdr(t);
     }
     qzTypeObj& getTypeObj() const override { return type; }
     double weight = 0;
+    qzStr name;
+    qzStrArray names;
+    qzStrStrDictionary dictionary;
 };
 
 // Members only point: destroyAll() frees each object and array once, whoever
@@ -89,6 +94,9 @@ struct Everything : qzXDRObj {
         string = "string";
         strings[1] = "second";
         part.weight = 1.5;
+        part.name = "part";
+        part.names.append("of a part");
+        part.dictionary["part"] = "whole";
         intArray.append(7);
         strArray.append("element");
         dictionary["key"] = "value";
@@ -99,6 +107,7 @@ struct Everything : qzXDRObj {
     // Looks at all that was read; the same for equal values.
     double sum() const {
         double total = letter + small + number + double(big) + ratio + precise + part.weight +
+                       part.name.length() + part.names.length() + part.dictionary.size() +
                        string.length() + strings[1].length() + intArray.length() +
                        strArray.length() + dictionary.size() + set.size();
         for (unsigned i = 0; i < n && chars && shorts && ints && longs && floats && doubles; ++i)

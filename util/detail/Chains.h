@@ -14,17 +14,10 @@
 #ifndef QZ_UTIL_DETAIL_CHAINS_H
 #define QZ_UTIL_DETAIL_CHAINS_H
 
-#include <type_traits>
-
 #include "util/ChainPlace.h"
-#include "util/UnsignedLongArray.h"
 #include "util/detail/RawMemory.h"
 
 const unsigned qzDefaultChains = 31;
-
-// What a stream may claim without having shown an entry. Of more chains than
-// these, a table is made only once the entries are there that justify it.
-const unsigned qzFreelyClaimedChains = 1 << 18;
 
 // XOR of the whole 32-bit words of a key; trailing bytes take no part.
 inline unsigned qzHashWords(const void* key, unsigned nbytes) {
@@ -54,34 +47,6 @@ template <class Heads, class Visit> bool qzVisitNodes(const Heads& heads, Visit 
             node = next;
         }
     }
-    return true;
-}
-
-// Makes a table of so many chains out of one chain, newest node first, and the
-// place that each node goes to, oldest first. False, with the nodes where they
-// were, for a table that is out of proportion to them or cannot be had.
-template <class Heads>
-bool qzSpread(Heads& heads, unsigned chains, const qzUnsignedLongArray& places) {
-    const unsigned nodes = places.length();
-    const unsigned always = 1 << 24;
-    if (chains > always && chains / 1024 > nodes) return false;
-    Heads table;
-    if (!table.tryReplace(chains)) return false;
-    auto* node = heads[0];
-    typename std::remove_reference<decltype(node)>::type oldest = nullptr;
-    while (node) {
-        auto* const next = node->next;
-        node->next = oldest;
-        oldest = node;
-        node = next;
-    }
-    for (unsigned i = 0; i < nodes; ++i) {
-        auto* const next = oldest->next;
-        oldest->next = table[places[i]];
-        table[places[i]] = oldest;
-        oldest = next;
-    }
-    heads = table;
     return true;
 }
 
