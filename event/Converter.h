@@ -12,6 +12,7 @@
 //
 // Ownership: a prototype is its maker's and stays registered while it lives; a
 //     copy belongs to the connection and holds a reference on its downstream.
+// Trusted: nobody counts references on a prototype.
 // Cost: findConverter() walks the registry.
 #ifndef QZ_EVENT_CONVERTER_H
 #define QZ_EVENT_CONVERTER_H

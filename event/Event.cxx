@@ -12,7 +12,9 @@ qzEvent::qzEvent(const qzEvent& other)
     : qzObj(other), next(nullptr), prev(nullptr), type(other.type),
       sequenceNumber(other.sequenceNumber) {}
 
-qzEvent::~qzEvent() {
+qzEvent::~qzEvent() { leave(); }
+
+void qzEvent::leave() {
     qzEventInFlight::destroyed(this);
     qzDoomedEvents::leaveQueue(this);
 }

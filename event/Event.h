@@ -38,6 +38,11 @@ class QZ_EXPORT qzEvent : public qzObj {
     qzEvent* getNext() const { return next; }
     qzEvent* getPrev() const { return prev; }
 
+  protected:
+    // Leaves the queue or the delivery that it is in. A destructor that may call
+    // back into the queue does this first.
+    void leave();
+
   private:
     qzEvent* next;
     qzEvent* prev;

@@ -68,8 +68,8 @@ void qzEventHandler::sendTo(const qzFanOut& fanOut, qzData* data, qzObj::qzSendF
 void qzEventHandler::supersedePending(qzInputChannel* entry, qzObj::qzSendFlags how) {
     while (qzMessageEvent* old = entry->getPendingEvent()) {
         entry->setPendingEvent(nullptr);
-        if (holds(old)) remove(old);
-        if (how == qzObj::qzSF_Immediate) return;
+        remove(old);
+        if (how != qzObj::qzSF_Queued && how != qzObj::qzSF_Urgent) return;
     }
 }
 

@@ -2,6 +2,8 @@
 
 #include <cassert>
 
+#include "event/InputChannel.h"
+#include "event/MessageEvent.h"
 #include "event/detail/DoomedEvents.h"
 
 void qzEventQueue::append(qzEvent* event) {
@@ -31,7 +33,11 @@ void qzEventQueue::unlink(qzEvent* event) {
 
 qzEvent* qzEventQueue::get() {
     qzEvent* const event = head;
-    if (event) unlink(event);
+    if (!event) return nullptr;
+    unlink(event);
+    // It is the caller's: the next send must not look for it in here.
+    qzInputChannel* const channel = event->getChannel();
+    if (channel && channel->getPendingEvent() == event) channel->setPendingEvent(nullptr);
     return event;
 }
 

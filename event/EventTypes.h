@@ -16,6 +16,6 @@ extern QZ_EXPORT unsigned qzET_Unknown;         // 0
 extern QZ_EXPORT unsigned qzET_MessageEvent;    // 1
 
 // For start-up: makes the sequencer and draws the two codes, once.
-void qzDrawEventTypes();
+QZ_EXPORT void qzDrawEventTypes();
 
 #endif

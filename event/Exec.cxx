@@ -98,8 +98,6 @@ class qzExec::Pass {
     void advanceTimers();
     void serve();
 
-    static void forget(const qzSelectHandler* handler);
-
   private:
     fd_set* set(unsigned kind) { return wanted[kind] ? &sets[kind] : nullptr; }
     bool take(unsigned descriptor, unsigned kind);
@@ -116,8 +114,7 @@ class qzExec::Pass {
     timeval timeout = {0, 0};
     int ready = 0; // select()'s result, then what is left to serve of it
     bool wanted[kinds];
-    fd_set sets[kinds];                   // of the wanted kinds; select() leaves the ready ones
-    qzSelectHandler* handlers[tableSize]; // from lowest to limit, as they were before the wait
+    fd_set sets[kinds]; // of the wanted kinds; select() leaves the ready ones
 };
 
 qzExec::Pass* qzExec::Pass::innermost = nullptr;
@@ -140,7 +137,6 @@ void qzExec::Pass::copySets() {
         wanted[kind] = exec.wanted[kind];
         if (wanted[kind]) sets[kind] = exec.sets[kind];
     }
-    std::copy(exec.handlers + lowest, exec.handlers + limit, handlers + lowest);
 }
 
 // Deliberate: a wait that runs its course for a timer counts as the timer's full
@@ -171,10 +167,8 @@ void qzExec::Pass::serve() {
     for (unsigned d = lowest; d < limit && ready > 0; ++d) {
         for (unsigned kind = 0; kind < kinds; ++kind) {
             if (!take(d, kind)) continue;
-            // The last call may have removed this handler, or put another in its
-            // place of which the wait tells nothing.
-            qzSelectHandler* const handler = exec.handlers[d];
-            if (handler && handler == handlers[d]) (handler->*handle[kind])();
+            // The last call may have removed this handler or put another in its place.
+            if (qzSelectHandler* const handler = exec.handlers[d]) (handler->*handle[kind])();
         }
     }
 }
@@ -187,12 +181,6 @@ bool qzExec::Pass::take(unsigned descriptor, unsigned kind) {
     for (Pass* pass = outer; pass; pass = pass->outer)
         if (pass->wanted[kind]) FD_CLR(descriptor, &pass->sets[kind]);
     return true;
-}
-
-void qzExec::Pass::forget(const qzSelectHandler* handler) {
-    for (Pass* pass = innermost; pass; pass = pass->outer)
-        for (unsigned d = pass->lowest; d < pass->limit; ++d)
-            if (pass->handlers[d] == handler) pass->handlers[d] = nullptr;
 }
 
 qzExec::qzExec()
@@ -285,8 +273,6 @@ void qzExec::removeSelectHandler(qzSelectHandler* handler) {
     handlers[handler->getDescriptor()] = nullptr;
     dirty = 1;
 }
-
-void qzExec::forgetReadiness(const qzSelectHandler* handler) { Pass::forget(handler); }
 
 // Functions
 

@@ -76,16 +76,12 @@ class QZ_EXPORT qzExec {
     void close();
 
   private:
-    friend class qzSelectHandler;
     class Pass;
     enum { read, write, exception, kinds }; // of readiness
     static const unsigned short tableSize = 100;
     static const unsigned short noDescriptor = 101; // as the lowest one
 
     static bool inTable(int descriptor) { return static_cast<unsigned>(descriptor) < tableSize; }
-    // When a handler is destroyed: no pass under way calls it, nor another one
-    // that comes to have its address.
-    static void forgetReadiness(const qzSelectHandler* handler);
 
     bool hasHandlers() const { return lowestDescriptor != noDescriptor; }
     void refresh() {

@@ -3,6 +3,7 @@
 #include "event/Data.h"
 #include "event/EventTypes.h"
 #include "event/InputChannel.h"
+#include "event/detail/BlockPool.h"
 
 qzMessageEvent::qzMessageEvent(qzInputChannel* channel, qzData* data)
     : qzEvent(qzET_MessageEvent), channel(channel), data(data) {
@@ -17,6 +18,7 @@ qzMessageEvent::qzMessageEvent(const qzMessageEvent& other)
 }
 
 qzMessageEvent::~qzMessageEvent() {
+    leave();
     if (channel->getPendingEvent() == this) channel->setPendingEvent(nullptr);
     channel->delRef();
     data->delRef();
@@ -37,3 +39,8 @@ void qzMessageEvent::deliver() {
 void qzMessageEvent::dump(FILE* out) { qzEvent::dump(out); }
 
 qzInputChannel* qzMessageEvent::getChannel() { return channel; }
+
+void* qzMessageEvent::operator new(std::size_t bytes) { return qzBlockPool::take(bytes); }
+void qzMessageEvent::operator delete(void* block, std::size_t bytes) {
+    qzBlockPool::giveBack(block, bytes);
+}

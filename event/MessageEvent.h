@@ -7,6 +7,8 @@
 #ifndef QZ_EVENT_MESSAGEEVENT_H
 #define QZ_EVENT_MESSAGEEVENT_H
 
+#include <cstddef>
+
 #include "event/Event.h"
 
 class QZ_EXPORT qzMessageEvent : public qzEvent {
@@ -21,6 +23,9 @@ class QZ_EXPORT qzMessageEvent : public qzEvent {
     void dump(FILE* out) override;
     qzInputChannel* getChannel() override;
     qzData* getData() const { return data; }
+
+    static void* operator new(std::size_t bytes);
+    static void operator delete(void* block, std::size_t bytes);
 
   private:
     qzInputChannel* channel;

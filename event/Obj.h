@@ -5,7 +5,7 @@
 // connected to inputs by name:
 //
 //     ticks = sender.addOutput("ticks", qzDT_int);
-//     receiver.addInput("count", qzDT_double, &receiver, (void (*)())onCount, 0);
+//     receiver.addInput("count", qzDT_float, &receiver, (void (*)())onCount, 0);
 //     sender.connect("ticks", &receiver, "count");
 //     sender.sendInt(ticks, 3, qzObj::qzSF_Queued);
 //
@@ -102,6 +102,9 @@ class QZ_EXPORT qzObj : public qzXDRObj {
     // qzVoidPtrDict.
     static const char inputs[];
     static const char outputs[];
+
+  protected:
+    qzOutputChannel* findOutput(const char* name) const; // or null
 
   private:
     qzVoidPtrDict* channels(const char* propertyName) const; // or null

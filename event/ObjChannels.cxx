@@ -1,6 +1,7 @@
 // The inputs and outputs of an object: two dictionaries of channels by name, each
 // the value of a property, whose deleter tears it down.
 #include "event/Converter.h"
+#include "event/EventTypes.h"
 #include "event/Obj.h"
 #include "event/OutputChannel.h"
 #include "event/Property.h"
@@ -15,6 +16,7 @@ const char qzObj::outputs[] = "outputs";
 namespace {
 
 unsigned char endsAt(qzEvent* event, void* input) {
+    if (event->getType() != qzET_MessageEvent) return 0;
     qzInputChannel* const channel = event->getChannel();
     return channel && channel->realInput() == input;
 }
@@ -24,7 +26,7 @@ unsigned char endsAt(qzEvent* event, void* input) {
 // the destruction of the doomed events.
 void retire(qzInputChannel* input, qzDoomedEvents& doomed) {
     input->disconnect();
-    const bool hasMessages = input->references() > 1;
+    const bool hasMessages = qz_theEventHandler && input->references() > 1;
     if (hasMessages) doomed.take(*qz_theEventHandler, endsAt, input);
 }
 
@@ -97,6 +99,10 @@ qzOutputChannel* qzObj::addOutput(const char* name, unsigned short type) {
     qzOutputChannel* const output = new qzOutputChannel(type);
     delete exchange(makeChannels(outputs, destroyOutputs), name, output);
     return output;
+}
+
+qzOutputChannel* qzObj::findOutput(const char* name) const {
+    return find<qzOutputChannel>(channels(outputs), name);
 }
 
 void qzObj::removeInput(const char* name) {

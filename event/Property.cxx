@@ -1,5 +1,7 @@
 #include "event/Property.h"
 
+#include <cstring>
+
 #include "event/Data.h"
 #include "event/DataTypes.h"
 #include "event/Obj.h"
@@ -120,9 +122,12 @@ unsigned short qzProperty::allocNewTag(const char* name) {
 
 unsigned short qzProperty::findTag(const char* name) {
     if (!qz_propertyNames) return noTag;
-    const qzStr wanted(name);
+    const std::size_t length = std::strlen(name);
     for (unsigned tag = 0; tag < qz_propertyNames->length(); ++tag) {
-        if ((*qz_propertyNames)[tag] == wanted) return static_cast<unsigned short>(tag);
+        const qzStr& known = (*qz_propertyNames)[tag];
+        if (known.length() == length && std::memcmp(known.data, name, length) == 0) {
+            return static_cast<unsigned short>(tag);
+        }
     }
     return noTag;
 }

@@ -16,8 +16,7 @@ qzTimer* qzTimer::activeTimers = nullptr;
 
 class qzTimer::Alarm {
   public:
-    explicit Alarm(float elapsed)
-        : outer(innermost), depth(outer ? outer->depth + 1 : 1), elapsed(elapsed) {
+    explicit Alarm(float elapsed) : outer(innermost), number(++last), elapsed(elapsed) {
         innermost = this;
     }
     ~Alarm() { innermost = outer; }
@@ -26,17 +25,18 @@ class qzTimer::Alarm {
     void rearmChain();
 
     static void letGo(qzTimer* timer);
-    static unsigned short deferrer(float duration);
 
   private:
+    bool defers(const qzTimer* timer) const;
     void fire(qzTimer* timer);
     void chain(qzTimer* timer);
     void unchain(qzTimer* timer);
 
     static Alarm* innermost;
+    static unsigned short last;
 
     Alarm* const outer;
-    const unsigned short depth;
+    const unsigned short number;
     float elapsed;              // what is left of it
     qzTimer* ticking = nullptr; // null again when it has been let go
     qzTimer* first = nullptr;   // of the chain
@@ -44,6 +44,7 @@ class qzTimer::Alarm {
 };
 
 qzTimer::Alarm* qzTimer::Alarm::innermost = nullptr;
+unsigned short qzTimer::Alarm::last = 0;
 
 void qzTimer::Alarm::runExpired() {
     while (qzTimer* timer = activeTimers) {
@@ -54,7 +55,7 @@ void qzTimer::Alarm::runExpired() {
         elapsed -= timer->delta;
         activeTimers = timer->next;
         timer->next = nullptr;
-        if (timer->deferredBy == depth) {
+        if (defers(timer)) {
             chain(timer);
         } else {
             fire(timer);
@@ -64,6 +65,7 @@ void qzTimer::Alarm::runExpired() {
 
 void qzTimer::Alarm::fire(qzTimer* timer) {
     timer->active = 0;
+    timer->tickedIn = number;
     ticking = timer;
     timer->tick();
     if (ticking && ticking->autoReload) chain(ticking);
@@ -89,7 +91,6 @@ void qzTimer::Alarm::unchain(qzTimer* timer) {
 void qzTimer::Alarm::rearmChain() {
     while (qzTimer* timer = first) {
         first = timer->next;
-        timer->deferredBy = 0;
         timer->addToActiveList();
     }
 }
@@ -101,28 +102,29 @@ void qzTimer::Alarm::letGo(qzTimer* timer) {
     }
 }
 
-// The alarm under way, by its depth, if a timer started now with this duration
-// would come up in it again and again: for ever without a duration, and also when
-// what is left of the alarm is so much more that floats cannot tell the steps.
-unsigned short qzTimer::Alarm::deferrer(float duration) {
+// Whether a timer that has ticked in here and was started again would come up
+// again and again: for ever without a duration, and also when what is left is so
+// much more that floats cannot tell the steps.
+bool qzTimer::Alarm::defers(const qzTimer* timer) const {
     const float mostSteps = 1e6f;
-    if (!innermost || duration * mostSteps > innermost->elapsed) return 0;
-    return innermost->depth;
+    return timer->tickedIn == number && !(timer->duration * mostSteps > elapsed);
 }
 
 qzTimer::qzTimer(unsigned char autoReload)
-    : duration(0), delta(0), active(0), autoReload(autoReload), deferredBy(0),
+    : duration(0), delta(0), active(0), autoReload(autoReload), tickedIn(0),
       tickChannel(addOutput("tick", qzDT_void)), next(nullptr) {}
 
 qzTimer::~qzTimer() { stopTimer(); }
 
 const char* qzTimer::className() const { return "qzTimer"; }
 
-void qzTimer::tick() { sendVoid(tickChannel, qzSF_Queued); }
+void qzTimer::tick() {
+    tickChannel = findOutput("tick");
+    if (tickChannel) sendVoid(tickChannel, qzSF_Queued);
+}
 
 void qzTimer::startTimer() {
     stopTimer();
-    deferredBy = Alarm::deferrer(duration);
     addToActiveList();
 }
 

@@ -12,10 +12,11 @@
 // tick() may start, stop and destroy any timer, its own included, and poll again.
 // A stopped one does not tick any more, even if it has expired or is about to
 // reload. A timer started in a tick runs from when the ticking one was due, so it
-// may expire in the same alarm; one that is started there for no time at all
-// waits for the next.
+// may expire in the same alarm; one that has ticked in that alarm and is started
+// again for no time at all waits for the next.
 //
 // Units: seconds.
+// Trusted: durations are finite.
 // Ownership: the active list holds no references; destruction stops the timer.
 // Cost: starting and stopping walk the list of active timers. A pass looks at the
 //     first one only.
@@ -70,7 +71,7 @@ class QZ_EXPORT qzTimer : public qzObj {
     float delta;
     unsigned char active;
     unsigned char autoReload;
-    unsigned short deferredBy; // depth of the alarm that leaves it to the next one, or 0
+    unsigned short tickedIn; // the last alarm that it ticked in, by number
     qzOutputChannel* tickChannel;
     qzTimer* next;
 };

@@ -105,6 +105,16 @@ TEST(qzEventHandler, EventsMayBeDestroyedWhereverTheyAre) {
         return 1;
     };
     qz_theEventHandler->removeEvents(destroyTwo, nullptr);
+    from.sendData(from.out, new ActingData(3, [] { qz_theEventHandler->distributeEvents(); }),
+                  qzObj::qzSF_Queued);
+    delete qz_theEventHandler->getHead();
+    EXPECT_EQ(flow.received(), "");
+    from.send(4);
+    qzEventQueue own;
+    own.append(qz_theEventHandler->get());
+    from.send(5); // supersedes nothing that is queued here
+    own.remove(own.getHead());
+    EXPECT_EQ(flow.received(), "from5 ");
 }
 
 TEST(qzEventHandler, ImmediateSendAllocatesTheValueAtMost) {

@@ -194,7 +194,7 @@ TEST(qzExec, HandlersAreLookedUpAgainBeforeEachCall) {
         {"RWXrwx", [] {}},
         {"RWX", [&] { remove(high); }},
         {"RWXrwx", [&] { remove(high), exec.addSelectHandler(high.get()); }},
-        {"RWX", renew},
+        {"RWXrwx", renew},
         {"Rrwx", [&] { remove(low), low = nullptr; }},
         {"RWXrwx", [&] { exec.poll(0); }}, // which serves the rest
     };

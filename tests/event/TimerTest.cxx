@@ -124,6 +124,11 @@ TEST(qzTimer, AnAlarmEndsThoughTimersRestartForNoTime) {
         qzTimer::alarm(0.25f);
         EXPECT_EQ(ticks, 2u);
     }
+    bool ticked = false;
+    Timer other(0, [&] { ticked = true; }), starter(0, [&] { other.startTimer(0); });
+    starter.startTimer(1);
+    qzTimer::alarm(1);
+    EXPECT_TRUE(ticked) << "one that has not ticked yet";
 }
 
 TEST(qzTimer, TickQueuesAVoidValue) {
@@ -139,6 +144,10 @@ TEST(qzTimer, TickQueuesAVoidValue) {
     qzTimer::alarm(0.75f);
     EXPECT_EQ(ticks, 0u);
     EXPECT_EQ(timer.getDelta(), 2) << "what it is late is not made up for";
+    qz_theEventHandler->distributeEvents();
+    EXPECT_EQ(ticks, 1u);
+    timer.removeOutput("tick");
+    qzTimer::alarm(2);
     qz_theEventHandler->distributeEvents();
     EXPECT_EQ(ticks, 1u);
 }
