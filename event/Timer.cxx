@@ -53,8 +53,7 @@ void qzTimer::Alarm::runExpired() {
             return;
         }
         elapsed -= timer->delta;
-        activeTimers = timer->next;
-        timer->next = nullptr;
+        timer->unlink();
         if (defers(timer)) {
             chain(timer);
         } else {
@@ -112,7 +111,7 @@ bool qzTimer::Alarm::defers(const qzTimer* timer) const {
 
 qzTimer::qzTimer(unsigned char autoReload)
     : duration(0), delta(0), active(0), autoReload(autoReload), tickedIn(0),
-      tickChannel(addOutput("tick", qzDT_void)), next(nullptr) {}
+      tickChannel(addOutput("tick", qzDT_void)), next(nullptr), previous(nullptr) {}
 
 qzTimer::~qzTimer() { stopTimer(); }
 
@@ -148,23 +147,30 @@ void qzTimer::alarm(float elapsed) {
 // were started.
 void qzTimer::addToActiveList() {
     float remaining = duration;
-    qzTimer** link = &activeTimers;
-    for (; *link && (*link)->delta <= remaining; link = &(*link)->next)
-        remaining -= (*link)->delta;
-    next = *link;
-    *link = this;
+    qzTimer* before = nullptr;
+    qzTimer* after = activeTimers;
+    for (; after && after->delta <= remaining; before = after, after = after->next)
+        remaining -= after->delta;
+    previous = before;
+    next = after;
+    (before ? before->next : activeTimers) = this;
+    if (after) {
+        after->previous = this;
+        after->delta -= remaining;
+    }
     delta = remaining;
-    if (next) next->delta -= remaining;
     active = 1;
 }
 
 void qzTimer::removeFromActiveList() {
-    qzTimer** link = &activeTimers;
-    while (*link && *link != this)
-        link = &(*link)->next;
-    if (!*link) return;
+    if (!previous && activeTimers != this) return;
     if (next) next->delta += delta;
-    *link = next;
-    next = nullptr;
+    unlink();
     active = 0;
+}
+
+void qzTimer::unlink() {
+    (previous ? previous->next : activeTimers) = next;
+    if (next) next->previous = previous;
+    next = previous = nullptr;
 }

@@ -18,8 +18,8 @@
 // Units: seconds.
 // Trusted: durations are finite.
 // Ownership: the active list holds no references; destruction stops the timer.
-// Cost: starting and stopping walk the list of active timers. A pass looks at the
-//     first one only.
+// Cost: starting walks the list of active timers up to where it expires. A pass
+//     looks at the first one only.
 #ifndef QZ_EVENT_TIMER_H
 #define QZ_EVENT_TIMER_H
 
@@ -66,6 +66,7 @@ class QZ_EXPORT qzTimer : public qzObj {
 
     void addToActiveList();
     void removeFromActiveList();
+    void unlink();
 
     float duration;
     float delta;
@@ -74,8 +75,9 @@ class QZ_EXPORT qzTimer : public qzObj {
     unsigned short tickedIn; // the last alarm that it ticked in, by number
     qzOutputChannel* tickChannel;
     qzTimer* next;
+    qzTimer* previous; // in the active list only
 };
 
-static_assert(sizeof(void*) != 4 || sizeof(qzTimer) == 32, "applications derive from this");
+static_assert(sizeof(void*) != 4 || sizeof(qzTimer) == 36, "applications derive from this");
 
 #endif

@@ -6,7 +6,7 @@
 #include "util/detail/RawMemory.h"
 
 qzBinaryTranscriber::qzBinaryTranscriber()
-    : cursor(buffer), capacity(bufferSize), count(0), record{} {}
+    : buffer(space + headerSize), cursor(buffer), capacity(bufferSize), count(0), record{} {}
 
 qzBinaryTranscriber::~qzBinaryTranscriber() = default;
 

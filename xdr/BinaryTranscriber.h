@@ -82,6 +82,7 @@ class QZ_EXPORT qzBinaryTranscriber : public virtual qzTranscriber {
     };
 
     static const unsigned bufferSize = 512;
+    static const unsigned headerSize = 20; // at most: a tag, a length of 4 and fields of 12
 
     qzBinaryTranscriber();
 
@@ -89,7 +90,8 @@ class QZ_EXPORT qzBinaryTranscriber : public virtual qzTranscriber {
         return reinterpret_cast<unsigned long>(address);
     }
 
-    char buffer[bufferSize];
+    char space[headerSize + bufferSize]; // a header, right before the data buffer
+    char* const buffer;
     char* cursor;      // next byte to write or read
     unsigned capacity; // bufferSize
     unsigned count;    // data bytes of the current record in the buffer

@@ -41,11 +41,14 @@ class Header {
         for (; nbytes > 0; --nbytes, value >>= 8)
             *end++ = static_cast<char>(value);
     }
-    const char* data() const { return bytes; }
     unsigned size() const { return static_cast<unsigned>(end - bytes); }
+    // Copies the header to where it ends at the place, and returns its beginning.
+    char* moveBefore(char* place) const {
+        return static_cast<char*>(std::memcpy(place - size(), bytes, size()));
+    }
 
   private:
-    char bytes[24];
+    char bytes[20];
     char* end;
 };
 
@@ -128,12 +131,11 @@ unsigned char qzBinaryWriter::flush() {
     default:
         qzFatal("Whoops!");
     }
-    if (!stream->putBytes(header.data(), header.size())) return 0;
-    if (record.kind == TypeDefinition) {
+    if (!stream->putBytes(header.moveBefore(buffer), header.size() + count)) return 0;
+    if (record.kind == TypeDefinition) { // which is put at once: it has no data
         const unsigned length = static_cast<unsigned>(std::strlen(record.name)) + 1;
         if (!stream->putBytes(record.name, length)) return 0;
     }
-    if (count && !stream->putBytes(buffer, count)) return 0;
     cursor = buffer;
     count = 0;
     record.kind = Continuation;
