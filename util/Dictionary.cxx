@@ -179,6 +179,7 @@ unsigned char qzDictionary::writeEntries(qzTranscriber& t, unsigned streamKeySiz
     if (!t.xdr(&streamKeySize, 1)) return 0;
     if (!t.xdr(&streamValueSize, 1)) return 0;
     if (!t.xdr(&chains, 1)) return 0;
+    if (numItems == 0) return 1;
     return qzVisitNodes(buckets, [this, &t](qzDictBucket* node, unsigned chain) {
         return xdrKey(t, node->kvmem) && xdrValue(t, valueOf(node)) && t.xdr(&chain, 1);
     });

@@ -228,7 +228,7 @@ bool qzBinaryReader::mayClaim(qzTranscriber& t, std::size_t nbytes) {
     if (nbytes <= small) return true;
     qzBinaryReader* const reader = dynamic_cast<qzBinaryReader*>(&t);
     if (!reader) return true;
-    const std::uint64_t granted = 1u << 30;
+    const std::uint64_t granted = 1u << 28;
     if (reader->claimed + nbytes > granted + 64 * reader->came) return false;
     reader->claimed += nbytes;
     return true;

@@ -75,7 +75,7 @@ class QZ_EXPORT qzBinaryReader : public qzBinaryTranscriber {
 
     // Whether memory may be taken that a stream claims before it has shown what is
     // to go in there, and that costs address space only until then. Of what is
-    // not small, one binary reader grants a gigabyte and 64 bytes for each byte
+    // not small, one binary reader grants 256 megabytes and 64 bytes for each byte
     // that came; other transcribers grant everything.
     static bool mayClaim(qzTranscriber& t, std::size_t nbytes);
 
