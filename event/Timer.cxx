@@ -13,6 +13,7 @@
 #include "event/DataTypes.h"
 
 qzTimer* qzTimer::activeTimers = nullptr;
+qzTimer* qzTimer::lastStarted = nullptr;
 
 class qzTimer::Alarm {
   public:
@@ -49,7 +50,7 @@ unsigned short qzTimer::Alarm::last = 0;
 void qzTimer::Alarm::runExpired() {
     while (qzTimer* timer = activeTimers) {
         if (timer->delta > elapsed) {
-            timer->delta -= elapsed;
+            timer->setDelta(timer->delta - elapsed);
             return;
         }
         elapsed -= timer->delta;
@@ -111,7 +112,7 @@ bool qzTimer::Alarm::defers(const qzTimer* timer) const {
 
 qzTimer::qzTimer(unsigned char autoReload)
     : duration(0), delta(0), active(0), autoReload(autoReload), tickedIn(0),
-      tickChannel(addOutput("tick", qzDT_void)), next(nullptr), previous(nullptr) {}
+      tickChannel(addOutput("tick", qzDT_void)), next(nullptr), previous(nullptr), startedFor(0) {}
 
 qzTimer::~qzTimer() { stopTimer(); }
 
@@ -149,6 +150,12 @@ void qzTimer::addToActiveList() {
     float remaining = duration;
     qzTimer* before = nullptr;
     qzTimer* after = activeTimers;
+    if (lastStarted && lastStarted->startedFor == duration) {
+        // The walk would pass it with nothing remaining.
+        remaining = 0;
+        before = lastStarted;
+        after = before->next;
+    }
     for (; after && after->delta <= remaining; before = after, after = after->next)
         remaining -= after->delta;
     previous = before;
@@ -160,6 +167,8 @@ void qzTimer::addToActiveList() {
     }
     delta = remaining;
     active = 1;
+    startedFor = duration;
+    lastStarted = this;
 }
 
 void qzTimer::removeFromActiveList() {
@@ -170,6 +179,7 @@ void qzTimer::removeFromActiveList() {
 }
 
 void qzTimer::unlink() {
+    lastStarted = nullptr;
     (previous ? previous->next : activeTimers) = next;
     if (next) next->previous = previous;
     next = previous = nullptr;

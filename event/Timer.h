@@ -18,8 +18,9 @@
 // Units: seconds.
 // Trusted: durations are finite.
 // Ownership: the active list holds no references; destruction stops the timer.
-// Cost: starting walks the list of active timers up to where it expires. A pass
-//     looks at the first one only.
+// Cost: starting walks the list of active timers up to where it expires, but not
+//     for one that has the duration of the timer started just before. A pass looks
+//     at the first one only.
 #ifndef QZ_EVENT_TIMER_H
 #define QZ_EVENT_TIMER_H
 
@@ -52,7 +53,10 @@ class QZ_EXPORT qzTimer : public qzObj {
     unsigned char isTimerTicking() const { return active; }
     // From the expiry of the timer before this one in the list.
     float getDelta() const { return delta; }
-    void setDelta(float seconds) { delta = seconds; }
+    void setDelta(float seconds) {
+        delta = seconds;
+        lastStarted = nullptr;
+    }
 
     // For the executive: advances the active timers and has those tick whose time
     // has come, in the order of expiry; timers that expire together tick in the
@@ -68,6 +72,10 @@ class QZ_EXPORT qzTimer : public qzObj {
     void removeFromActiveList();
     void unlink();
 
+    // The timer that was put into the active list last, while the list is as that
+    // left it; null otherwise.
+    static qzTimer* lastStarted;
+
     float duration;
     float delta;
     unsigned char active;
@@ -76,8 +84,9 @@ class QZ_EXPORT qzTimer : public qzObj {
     qzOutputChannel* tickChannel;
     qzTimer* next;
     qzTimer* previous; // in the active list only
+    float startedFor;  // the duration that it was put there with
 };
 
-static_assert(sizeof(void*) != 4 || sizeof(qzTimer) == 36, "applications derive from this");
+static_assert(sizeof(void*) != 4 || sizeof(qzTimer) == 40, "applications derive from this");
 
 #endif

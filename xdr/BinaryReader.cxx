@@ -6,7 +6,8 @@
 // (2) An array that a member gets has the bytes that the member was promised, and
 //     a NUL behind them.
 // (3) What a string frees is in no other member.
-// (4) Memory follows the data that came, not the lengths that were claimed.
+// (4) Memory follows the data that came, not the lengths that were claimed, but
+//     for what mayClaim() grants.
 #include "xdr/BinaryReader.h"
 
 #include <climits>
@@ -228,7 +229,7 @@ bool qzBinaryReader::mayClaim(qzTranscriber& t, std::size_t nbytes) {
     if (nbytes <= small) return true;
     qzBinaryReader* const reader = dynamic_cast<qzBinaryReader*>(&t);
     if (!reader) return true;
-    const std::uint64_t granted = 1u << 28;
+    const std::uint64_t granted = 1u << 26;
     if (reader->claimed + nbytes > granted + 64 * reader->came) return false;
     reader->claimed += nbytes;
     return true;

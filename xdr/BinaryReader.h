@@ -10,9 +10,9 @@
 //
 // Ownership: holds a reference on its stream. Objects and arrays that were read
 //     belong to whoever gets the root; arrays come from malloc.
-// Errors: a stream that ends is false from an operation. Between the members of
-//     an object, readObject() makes that null; among them it is fatal, as is
-//     anything that is not the format, whatever the bytes are: no record is
+// Errors: a stream that ends is false from an operation. Among the members of an
+//     object readObject() makes that fatal, elsewhere it returns null. Anything
+//     that is not the format is fatal, whatever the bytes are: no record is
 //     trusted with a length, an id or the kind of thing that an id stands for.
 //     What cannot be checked is the class behind an object pointer, and whether
 //     two objects each free what they share. What had been read by then stays
@@ -66,8 +66,8 @@ class QZ_EXPORT qzBinaryReader : public qzBinaryTranscriber {
     unsigned char xdr(qzTypeObj& type, void* whole, void* part) override;
 
     // The root of the next graph, or null when the stream ends at or between the
-    // bodies of the graph. Deliberate: the type is not consulted, a graph's first record tells
-    // it; callers pass whatever type object they have. Pinned by
+    // bodies of the graph. Deliberate: the type is not consulted, a graph's first
+    // record tells it; callers pass whatever type object they have. Pinned by
     // qzBinaryReader.RootIsWhatTheStreamSays.
     void* readObject(qzTypeObj& type) override;
     unsigned char writeObject(void* root, qzXDRObj* object) override; // fatal: it is a reader
@@ -75,7 +75,7 @@ class QZ_EXPORT qzBinaryReader : public qzBinaryTranscriber {
 
     // Whether memory may be taken that a stream claims before it has shown what is
     // to go in there, and that costs address space only until then. Of what is
-    // not small, one binary reader grants 256 megabytes and 64 bytes for each byte
+    // not small, one binary reader grants 64 megabytes and 64 bytes for each byte
     // that came; other transcribers grant everything.
     static bool mayClaim(qzTranscriber& t, std::size_t nbytes);
 

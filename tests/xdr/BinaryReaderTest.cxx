@@ -223,8 +223,8 @@ TEST(qzBinaryReader, BrokenStreamsEndInTheirMessage) {
         return first.xdr(t) && second.xdr(t);
     };
     const auto nothing = [](Box&, qzTranscriber&) -> unsigned char { return 1; };
-    // Chains without a key in more than 128 megabytes.
-    const std::string chains = word(0) + word(8) + word(0x9000000 / sizeof(void*));
+    // Chains without a key in more than 32 megabytes.
+    const std::string chains = word(0) + word(8) + word(0x3000000 / sizeof(void*));
     const std::string two = word(2) + reference(3, 3); // a string of one character, to come
     const struct {
         std::function<unsigned char(Box&, qzTranscriber&)> members;
