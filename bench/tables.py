@@ -5,77 +5,151 @@ Times are CPU time, medians of the repetitions. Peers stand as ratios, their tim
 by ours: above 1 ours is faster. What the files do not have is left out.
 """
 import argparse
-import collections
+import itertools
 import json
 import pathlib
 import re
-import statistics
-
-Table = collections.namedtuple("Table", "heads cells rows")
-Run = collections.namedtuple("Run", "time memory")  # nanoseconds; multiple of the objects
 
 
-def time_text(time):
+def nanoseconds(run):
+    return run["cpu_time"] * {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}[run["time_unit"]]
+
+
+# What a cell shows of a run, when ours is the one beside it.
+
+def time(run, _):
     for unit, size in (("ns", 1), ("µs", 1e3), ("ms", 1e6), ("s", 1e9)):
-        if time / size < 999.5:  # three digits make a thousand of more
+        if nanoseconds(run) / size < 999.5:  # three digits make a thousand of more
             break
-    return f"{time / size:.3g} {unit}"
+    return f"{nanoseconds(run) / size:.3g} {unit}"
 
 
-# The cells of a row from its runs; the first run is ours, and the others may be missing.
-
-def ratios(ours, *peers):
-    quotients = [peer and peer.time / ours.time for peer in peers]
-    return [time_text(ours.time)] + [q and f"{q:.{2 if q < 9.995 else 0}f}" for q in quotients]
-
-
-def times(*runs):
-    return [run and time_text(run.time) for run in runs]
+def ratio(run, ours):
+    if run is ours:
+        return time(run, ours)
+    value = nanoseconds(run) / nanoseconds(ours)
+    return f"{value:.2f}" if value < 9.995 else f"{value:.0f}"
 
 
-def memory(*runs):
-    return [run and f"{run.memory:.1f}" for run in runs]
+def memory(run, _):
+    return f"{run['memory']:.1f}"
 
 
-def rows(label, benchmark, columns, values=("",)):
-    """A label and its benchmarks for each value, put for {n}; each column puts its name for *."""
-    return [(label.format(n=f"{n:,}" if isinstance(n, int) else n),
-             [benchmark.format(n=n).replace("*", column) for column in columns.split("|")])
-            for n in values]
+def rows(label, benchmark, columns, *choices):
+    """A row for each combination of the choices, which stand for {}: its label and the
+    benchmarks of the columns, each of which puts its own for *."""
+    return [(label.format(*choice),
+             [benchmark.replace("*", column).format(*choice) for column in columns.split("|")])
+            for choice in itertools.product(*choices)]
 
 
 def transcription(dictionaries):
-    workloads = (("array of {n} ints", "IntArray", [1000000]),
-                 ("dictionary of {n} pairs", "Dictionary", dictionaries),
-                 ("graph of {n} nodes", "LinkedNodes", [100000]))
-    return [row for label, workload, sizes in workloads for work in ("Write", "Read")
-            for row in rows(f"{work.lower()} {label}", f"BM_{work}<*, {workload}>/{{n}}",
-                            "Qz|Boost|Cereal|Qt5", sizes)]
-
-
-def sending(label, value):
-    libraries = "|".join(f"{name}<{value}>" for name in "Qz Qt5 GLib Boost Sigc Libevent".split())
-    return [*rows(label + " at once to {n}", "BM_Send<*>/{n}", libraries, [1, 10, 100]),
-            *rows("{n} × " + label + ", queued and delivered", "BM_Queue<*>/{n}", libraries, [100000])]
-
-
-def passes(pipes, ready):
-    return rows(f"{pipes} pipe{'s' * (pipes > 1)}, {ready or 'none'} ready",
-                f"BM_Pass<*>/pipes:{pipes}/ready:{ready}",
-                "Qz|LibeventSelect|LibeventOwn|Libuv|PlainSelect")
+    libraries, ways = "Qz|Boost|Cereal|Qt5", ["Write", "Read"]
+    return [*rows("{} array of {:,} ints", "BM_{}<*, IntArray>/{}", libraries, ways, [1000000]),
+            *rows("{} dictionary of {:,} pairs", "BM_{}<*, Dictionary>/{}", libraries, ways,
+                  dictionaries),
+            *rows("{} graph of {:,} nodes", "BM_{}<*, LinkedNodes>/{}", libraries, ways, [100000])]
 
 
 KEYS = [1000, 100000]
-PATTERNS = ["literal", "anchored", "alternation", "classPlus", "word"]
+KINDS = ["literal", "anchored", "alternation", "classPlus", "word"]
 ENGINES = "ours|std|pcre2|re2"
 TRANSCRIBERS = "here|Boost.Serialization|cereal|QDataStream"
-TABLES = {
-    "containers": Table("Operation|here|standard library", ratios, [
-        *rows("append {n} ints to an empty array", "BM_*_AppendInt/{n}", "Array|Vector",
+SENDERS = "Qz|Qt5|GLib|Boost|Sigc|Libevent"
+LOOPS = "Qz|LibeventSelect|LibeventOwn|Libuv|PlainSelect"
+TIMERS = "Qz|Libuv|Libevent"
+TABLES = {  # name: cells, heads, rows
+    "containers": (ratio, "Operation|here|standard library", [
+        *rows("Append {:,} ints to an empty array", "BM_*_AppendInt/{}", "Array|Vector",
               [32, 1024, 32768, 1048576]),
-        *rows("index {n} ints", "BM_*_IndexInt/{n}", "Array|Vector", [65536]),
-        *rows("copy an array of {n} ints", "BM_*_CopyInt/{n}", "Array|Vector", [1048576]),
-        *rows("sort {n} ints (beside `qsort`)", "BM_*_Qsort/{n}", "Array|C", [1000, 1000000]),
-        *rows("insert {n} string keys", "BM_*_Insert<StrMap>/{n}", "Dict|Map", KEYS),
-    ]),
+        *rows("Index {:,} ints", "BM_*_IndexInt/{}", "Array|Vector", [65536]),
+        *rows("Copy an array of {:,} ints", "BM_*_CopyInt/{}", "Array|Vector", [1048576]),
+        *rows("Sort {:,} ints (beside `qsort`)", "BM_*_Qsort/{}", "Array|C", [1000, 1000000]),
+        *rows("{} {:,} string keys", "BM_*/{}", "Dict_{}<qzStrStrDictionary>|Map_{}<StrMap>",
+              ["Insert", "Find"], KEYS),
+        *rows("Iterate over {:,} string keys", "BM_*/{}",
+              "Dict_Iterate<qzStrStrDictionary, qzStrStrDictionaryIter>|Map_Iterate<StrMap>", KEYS),
+        *rows("{} {:,} word keys", "BM_*/{}", "Dict_{}<qzBinaryOTDict>|Map_{}<WordMap>",
+              ["Insert", "Find"], KEYS),
+        *rows("Iterate over {:,} word keys", "BM_*/{}",
+              "Dict_Iterate<qzBinaryOTDict, qzBinaryOTDictIter>|Map_Iterate<WordMap>", KEYS),
+        *rows("Append {:,} characters one by one", "BM_*_AppendChar/{}", "Str|StdString",
+              [8, 512, 32768]),
+        *rows("Copy a string of {:,}", "BM_*_Copy/{}", "Str|StdString", [8, 32, 1024]),
+        *rows("Compare strings of {:,}", "BM_*_Equal/{}", "Str|StdString", [1024]),
+        *rows("Concatenate", "BM_*_Concatenate", "Str|StdString"),
+        *rows("Find one of 30 characters in {:,}", "BM_*/{}/30",
+              "Str_NextInSet|StdString_FindFirstOf", [4096])]),
+    "patterns": (ratio, "Workload|here|`std::regex`|PCRE2|RE2", [
+        *rows("Compile: {}", "BM_RegExp_Compile/{}/*", ENGINES, KINDS),
+        *rows("Search 1 MB line by line: {}", "BM_RegExp_Lines/{}/*", ENGINES, KINDS),
+        *rows("Find a literal at the end of 1 MB", "BM_RegExp_Megabyte/*", ENGINES)]),
+    "hostile": (time, "Hostile pattern|256 bytes|4,096 bytes|262,144 bytes", [
+        *rows("`(a+)+[bc]`", "BM_RegExp_Hostile/nestedPlus/*", "256|4096|262144"),
+        *rows(r"`(a\|aa)*[bc]`", "BM_RegExp_Hostile/overlap/*", "256|4096|262144"),
+        *rows("`.*.*[xy]`", "BM_RegExp_Hostile/dotStars/*", "256|4096|262144")]),
+    "transcription": (ratio, f"Workload|{TRANSCRIBERS}", transcription([10000, 100000, 1000000])),
+    "memory": (memory, f"Memory / objects|{TRANSCRIBERS}", transcription([1000000])),
+    "sending": (ratio, "Workload|here|Qt|GObject / GLib|Signals2 / Asio|libsigc++|libevent", [
+        *rows("An int taken as {}, at once to {}", "BM_Send<*<{}>>/{}", SENDERS,
+              ["int", "float"], [1, 10, 100]),
+        *rows("An int taken as {}, queued and delivered {:,} times", "BM_Queue<*<{}>>/{}", SENDERS,
+              ["int", "float"], [100000])]),
+    "passes": (ratio, "Pipes|here|libevent (select)|libevent (epoll)|libuv (epoll)|only `select`", [
+        *rows("{}, none ready", "BM_Pass<*>/pipes:{}/ready:0", LOOPS, [1]),
+        *rows("{}, {} ready", "BM_Pass<*>/pipes:{}/ready:{}", LOOPS, [10], [1, 10]),
+        *rows("{}, none ready", "BM_Pass<*>/pipes:{}/ready:0", LOOPS, [90]),
+        *rows("{}, {} ready", "BM_Pass<*>/pipes:{}/ready:{}", LOOPS, [90], [1, 10, 90])]),
+    "timers": (ratio, "Workload|here|libuv|libevent", [
+        *rows("Start and stop {:,} timers", "BM_StartStop<*>/{}", TIMERS, [10, 100, 1000]),
+        *rows("Start and expire {:,} timers", "BM_StartExpire<*>/{}", TIMERS, [10, 100, 1000])]),
 }
+
+
+def load(files):
+    """The medians by name, or the runs where a benchmark has only one."""
+    found = {}
+    for file in files:
+        text = file.read_text(encoding="utf-8")
+        for run in json.loads(text)["benchmarks"] if text else []:  # a filter may leave none
+            if run.get("aggregate_name", "median") == "median" and not run.get("error_occurred"):
+                found[run["run_name"]] = run  # the median comes after the repetitions
+    return found
+
+
+def markdown(cell, heads, rows_of_table, runs):
+    """The table as a document has it; empty without a run of ours."""
+    lines = [heads.split("|")]
+    for label, names in rows_of_table:
+        if ours := runs.get(names[0]):
+            lines.append([label] + [name in runs and cell(runs[name], ours) for name in names])
+    if len(lines) == 1:
+        return ""
+    lines = list(zip(*(column for column in zip(*lines) if any(column[1:]))))
+    lines.insert(1, ["---"] + ["---:"] * (len(lines[0]) - 1))
+    return "".join(f"| {' | '.join(text or '—' for text in line)} |\n" for line in lines)
+
+
+def update(document, tables):
+    """Replaces what stands between <!-- table: NAME --> and <!-- end -->."""
+    text = document.read_text(encoding="utf-8")
+    document.write_text(re.sub(r"(<!-- table: (\w+) -->\n)(.*?)(?=<!-- end -->)",
+                               lambda place: place[1] + (tables[place[2]] or place[3]),
+                               text, flags=re.DOTALL), encoding="utf-8")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--update", metavar="DOCUMENT", type=pathlib.Path,
+                        help="replace the tables of this document, too")
+    parser.add_argument("files", metavar="FILE", nargs="+", type=pathlib.Path)
+    arguments = parser.parse_args()
+    runs = load(arguments.files)
+    tables = {name: markdown(*table, runs) for name, table in TABLES.items()}
+    print("\n".join(filter(None, tables.values())), end="")
+    if arguments.update:
+        update(arguments.update, tables)
+
+
+if __name__ == "__main__":
+    main()
