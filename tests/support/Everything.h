@@ -106,12 +106,13 @@ struct Everything : qzXDRObj {
 
     // Looks at all that was read; the same for equal values.
     double sum() const {
-        double total = letter + small + number + double(big) + ratio + precise + part.weight +
-                       part.name.length() + part.names.length() + part.dictionary.size() +
-                       string.length() + strings[1].length() + intArray.length() +
-                       strArray.length() + dictionary.size() + set.size();
+        double total = letter + small + double(number) + double(big) + ratio + precise +
+                       part.weight + part.name.length() + part.names.length() +
+                       part.dictionary.size() + string.length() + strings[1].length() +
+                       intArray.length() + strArray.length() + dictionary.size() + set.size();
         for (unsigned i = 0; i < n && chars && shorts && ints && longs && floats && doubles; ++i)
-            total += chars[i] + shorts[i] + ints[i] + double(longs[i]) + floats[i] + doubles[i];
+            total +=
+                chars[i] + shorts[i] + double(ints[i]) + double(longs[i]) + floats[i] + doubles[i];
         total += text ? double(std::strlen(text)) : -1;
         for (const qzStr* s : {&string, &strings[0], &strings[1]})
             total += double(std::strlen(s->data));
