@@ -70,6 +70,14 @@ bool setMemberStyle(const char* text, Options& options) {
     return false;
 }
 
+// The element of the command line is a long option, or has a short one in it.
+void refuseOption(const char* element, bool isUnknown) {
+    const bool isLong = !std::strncmp(element, "--", 2);
+    const std::string option = isLong ? element : std::string("-") + static_cast<char>(optopt);
+    std::fprintf(stderr, "qzdump: %s: %s\n", printable(option).c_str(),
+                 isUnknown ? "no such option" : "an argument is missing");
+}
+
 // A status with which to end at once, or nothing.
 std::optional<Status> readOptions(int argc, char** argv, Options& options) {
     static const option known[] = {
@@ -78,7 +86,8 @@ std::optional<Status> readOptions(int argc, char** argv, Options& options) {
         {"members", required_argument, nullptr, 'm'}, {"help", no_argument, nullptr, 'h'},
         {"version", no_argument, nullptr, 'v'},       {}};
     bool good = true;
-    for (int c; good && (c = getopt_long(argc, argv, "", known, nullptr)) != -1;) {
+    opterr = 0; // its messages do not escape what they quote
+    for (int c; good && (c = getopt_long(argc, argv, ":", known, nullptr)) != -1;) {
         switch (c) {
         case 'd':
         case 's':
@@ -101,6 +110,7 @@ std::optional<Status> readOptions(int argc, char** argv, Options& options) {
             std::puts("qzdump " QZ_VERSION);
             return Good;
         default:
+            refuseOption(argv[optind - 1], c == '?');
             good = false;
         }
     }

@@ -12,8 +12,12 @@ namespace qzwatch {
 enum Status { Good = 0, Failed = 1, Refused = 2 };
 
 // The text with control characters as \xNN, so that neither names nor what is
-// found in a log can drive a terminal.
+// found in a log can drive a terminal. Those above ASCII, too, as UTF-8 and as single
+// octets.
 qzStr printable(const qzStr& text);
+
+// Whether a line of progress stands on the terminal, which a message replaces.
+extern bool lineIsOpen;
 
 void complain(const qzStr& name, const char* why);
 

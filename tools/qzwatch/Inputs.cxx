@@ -1,6 +1,10 @@
 #include "tools/qzwatch/Inputs.h"
 
+#include <cerrno>
+#include <cstring>
+
 #include "event/DataTypes.h"
+#include "tools/qzwatch/Complaint.h"
 #include "tools/qzwatch/Reader.h"
 
 namespace qzwatch {
@@ -14,6 +18,7 @@ const unsigned mostAwake = 90; // the executive serves a hundred, also other des
 Inputs::Inputs(const qzStrArray& paths, bool follow)
     : paths(paths), follow(follow), ended(addOutput("ended", qzDT_void)) {
     addInput("sweep", qzDT_void, this, reinterpret_cast<void (*)()>(sweep), 1);
+    addInput("relieve", qzDT_void, this, reinterpret_cast<void (*)()>(relieve), 1);
     addInput("look", qzDT_void, this, reinterpret_cast<void (*)()>(look), 1);
 }
 
@@ -39,16 +44,29 @@ unsigned Inputs::awake() const {
     return n;
 }
 
-void Inputs::open(const qzStr& path) {
+// False to try again when a reader has left.
+bool Inputs::open(const qzStr& path) {
     auto* const opened = new Reader(path, follow);
-    if (!opened->isOpen()) {
+    if (const int error = opened->getOpenError()) {
         delete opened;
-        return;
+        if (hasRoomLater(error)) return false;
+        complain(path, std::strerror(error));
+        Reader::anyFailed = true;
+        return true;
     }
     readers.append(opened);
     opened->connect("left", this, "sweep");
+    opened->connect("full", this, "relieve");
     for (unsigned i = 0; i < receivers.length(); ++i)
         opened->connect("lines", static_cast<qzObj*>(receivers[i]), "lines");
+    return true;
+}
+
+// Whether descriptors are short, and a reader may come to its end: one that follows
+// a file sleeps and keeps its own.
+bool Inputs::hasRoomLater(int error) const {
+    const bool isShort = error == EMFILE || error == ENFILE;
+    return isShort && (follow ? awake() > 0 : readers.length() > 0);
 }
 
 // The lines of one that has ended are on their way: they do not need it.
@@ -58,9 +76,18 @@ void Inputs::dropEnded() {
         delete &reader(i);
         readers.remove(i, 1);
     }
-    for (unsigned n = awake(); n < mostAwake && next < paths.length(); n = awake())
-        open(paths[next++]);
+    while (awake() < mostAwake && next < paths.length() && open(paths[next]))
+        ++next;
     if (readers.length() == 0) sendVoid(ended, qzSF_Queued);
+}
+
+void Inputs::completeLongest() {
+    while (Reader::holdTooMuch()) {
+        Reader* longest = &reader(0);
+        for (unsigned i = 1; i < readers.length(); ++i)
+            if (reader(i).getHeld() > longest->getHeld()) longest = &reader(i);
+        longest->completeLine();
+    }
 }
 
 void Inputs::lookForNews() {

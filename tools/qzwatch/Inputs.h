@@ -29,11 +29,14 @@ class Inputs : public qzObj {
 
   private:
     static void sweep(Inputs* inputs) { inputs->dropEnded(); }
+    static void relieve(Inputs* inputs) { inputs->completeLongest(); }
     static void look(Inputs* inputs) { inputs->lookForNews(); }
     Reader& reader(unsigned i) const { return *static_cast<Reader*>(readers[i]); }
     unsigned awake() const;
-    void open(const qzStr& path);
+    bool open(const qzStr& path);
+    bool hasRoomLater(int error) const;
     void dropEnded();
+    void completeLongest();
     void lookForNews();
     void takeTurns();
 

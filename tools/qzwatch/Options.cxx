@@ -61,11 +61,22 @@ bool Options::misuse(const char* why) {
     return false;
 }
 
+// The element of the command line is a long option, or has the short one in it.
+bool Options::refuseOption(const char* element, bool isUnknown) {
+    const bool isLong = !std::strncmp(element, "--", 2);
+    qzStr option(isLong ? element : "-");
+    if (!isLong) option.append(static_cast<char>(optopt));
+    complain(option, isUnknown ? "no such option" : "an argument is missing");
+    return misuse(nullptr);
+}
+
 bool Options::read(int argc, char** argv) {
     static const option known[] = {
         {"help", no_argument, nullptr, 'h'}, {"version", no_argument, nullptr, 'V'}, {}};
     bool directories = false;
-    for (int c; (c = getopt_long(argc, argv, "p:l:d:fi:s:t:h", known, nullptr)) != -1;) {
+    opterr = 0; // its messages do not escape what they quote
+    for (int c; (c = getopt_long(argc, argv, ":p:l:d:fi:s:t:h", known, nullptr)) != -1;) {
+        if (c == '?' || c == ':') return refuseOption(argv[optind - 1], c == '?');
         directories |= c == 'd';
         if (!take(c, optarg)) return false;
     }
@@ -77,6 +88,7 @@ bool Options::read(int argc, char** argv) {
 
 bool Options::take(int option, const char* argument) {
     char* end = nullptr;
+    const bool isDigits = argument && !argument[std::strspn(argument, "0123456789")];
     switch (option) {
     case 'p':
     case 'l':
@@ -87,21 +99,21 @@ bool Options::take(int option, const char* argument) {
         return follow = true;
     case 'i':
         interval = std::strtof(argument, &end);
-        return (!*end && interval > 0) || misuse("-i takes a number of seconds above 0");
+        return (!*end && interval >= 0.001f && interval <= 1e6f) ||
+               misuse("-i takes a number of seconds from 0.001 to 1000000");
     case 's':
         statePath = argument;
         return statePath.length() > 0 || misuse("-s takes the name of a file");
     case 't':
-        highest = static_cast<unsigned>(std::strtoul(argument, &end, 10));
-        return (!*end && highest > 0) || misuse("-t takes a number above 0");
+        highest = static_cast<unsigned>(std::strtoul(argument, nullptr, 10));
+        return (isDigits && highest >= 1 && highest <= 1000000) ||
+               misuse("-t takes a number from 1 to 1000000");
     case 'h':
         std::printf("%s%s", usage, help);
         return false;
-    case 'V':
+    default:
         std::puts("qzwatch " QZ_VERSION);
         return false;
-    default:
-        return misuse(nullptr);
     }
 }
 
@@ -125,12 +137,17 @@ bool Options::takeDirectories(const char* argument) {
     if (!qzRegEx(regex + 1).isValid()) {
         return refuse(argument, "the regular expression does not compile");
     }
-    const qzStr directories(argument, static_cast<unsigned>(regex - argument));
-    for (unsigned at = 0; at < directories.length();) {
-        const qzStr directory = directories.token(at, ':');
+    const qzStr list(argument, static_cast<unsigned>(regex - argument));
+    qzStr directories;
+    for (unsigned at = 0; at < list.length();) {
+        const qzStr directory = list.token(at, ':');
+        if (directory.length() == 0) continue;
         const int error = unreadable(directory.c_str(), true);
         if (error) return refuse(directory, std::strerror(error));
+        directories.append(directory | ":");
     }
+    if (directories.length() == 0) return misuse("-d takes DIRS=REGEX");
+    directories.resize(directories.length() - 1);
     const qzSearchList found(directories.c_str(), regex + 1);
     for (unsigned i = 0; i < found.length(); ++i)
         if (isFile(found[i].c_str())) paths.append(found[i]);

@@ -29,6 +29,7 @@ struct Options {
     bool takeDirectories(const char* argument);
     bool takePath(const char* path);
     bool refuse(const qzStr& name, const char* why);
+    bool refuseOption(const char* element, bool isUnknown);
     bool misuse(const char* why);
 };
 

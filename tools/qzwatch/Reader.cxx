@@ -16,28 +16,30 @@
 namespace qzwatch {
 
 bool Reader::anyFailed = false;
+unsigned Reader::held = 0;
 
 namespace {
 
 const unsigned blockSize = 65536; // small enough for all matchers to find it in the cache
 const unsigned longestLine = 64 << 20;
+const unsigned mostHeld = 256 << 20;
 const int served = 100; // the executive takes descriptors below
 
 } // namespace
 
 Reader::Reader(const qzPath& path, bool follow)
     : path(path), follow(follow), lines(addOutput("lines", linesType)),
-      left(addOutput("left", qzDT_void)) {
+      left(addOutput("left", qzDT_void)), full(addOutput("full", qzDT_void)) {
     descriptor = openPath();
     struct stat is;
     if (descriptor < 0 || fstat(descriptor, &is) != 0) {
-        fail();
+        openError = errno;
         return;
     }
     file = S_ISREG(is.st_mode);
+    fifo = S_ISFIFO(is.st_mode);
     position = file ? lseek(descriptor, 0, SEEK_CUR) : 0;
-    state = Asleep;
-    if (!wake()) fail();
+    if (!wake()) openError = errno;
 }
 
 Reader::~Reader() {
@@ -61,12 +63,15 @@ void Reader::handleRead() {
     if (n < 0) return fail();
     if (n == 0) return atEnd();
     position += n;
+    held += static_cast<unsigned>(n);
     if (std::memchr(text.data + kept, '\n', n)) keepFrom(text.nextR(text.length(), '\n'));
     if (text.length() > longestLine) completeLine();
+    if (holdTooMuch()) sendVoid(full, qzSF_Queued);
 }
 
 // Sends the text up to there, keeping the rest.
 void Reader::keepFrom(unsigned end) {
+    held -= end;
     qzStr rest = text.tail(text.length() - end);
     text.resize(end);
     sendData(lines, new LinesData(std::move(text)), qzSF_Queued);
@@ -76,13 +81,16 @@ void Reader::keepFrom(unsigned end) {
 void Reader::completeLine() {
     if (text.length() == 0) return;
     text.append('\n');
+    ++held;
     keepFrom(text.length());
 }
+
+bool Reader::holdTooMuch() { return held > mostHeld; }
 
 void Reader::atEnd() {
     if (!follow) return finish();
     if (file) return sleep();
-    if (path == "-" || !reopen()) finish();
+    if (!fifo || path == "-" || !reopen()) finish();
 }
 
 void Reader::finish() {

@@ -1,5 +1,6 @@
 #include "tools/qzwatch/Reporter.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -46,6 +47,18 @@ void showKeys(const std::vector<Entry>& entries) {
     }
 }
 
+// A line that fills the last column, too, could wrap. No character takes more columns
+// than it has octets, so these are counted.
+void cutToTerminal(qzStr& line) {
+    winsize window;
+    if (ioctl(STDERR_FILENO, TIOCGWINSZ, &window) != 0 || window.ws_col == 0) return;
+    unsigned end = window.ws_col - 1u;
+    if (line.length() <= end) return;
+    while (end > 0 && (line[end] & 0xC0) == 0x80)
+        --end;
+    line.resize(end);
+}
+
 double seconds(std::chrono::steady_clock::duration time) {
     return std::chrono::duration<double>(time).count();
 }
@@ -74,6 +87,8 @@ void Reporter::showProgress() {
         line.append("  " | printable(counter->getName()) | " ");
         line.append(qzStr(counter->getLines(), "%.0f"));
     }
+    if (onTerminal) cutToTerminal(line);
+    lineIsOpen = onTerminal;
     std::fprintf(stderr, onTerminal ? "\r%s\033[K" : "%s\n", line.c_str());
     last = now;
     bytesAtLast = bytes;
@@ -82,6 +97,7 @@ void Reporter::showProgress() {
 void Reporter::endProgress() {
     showProgress();
     if (onTerminal) std::fputc('\n', stderr);
+    lineIsOpen = false;
 }
 
 void Reporter::showTable(unsigned highest) const {

@@ -29,9 +29,14 @@ void onSignal(int number, void (*handler)(int)) {
     sigaction(number, &action, nullptr);
 }
 
+bool isIgnored(int number) {
+    struct sigaction action;
+    return sigaction(number, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
 } // namespace
 
-Signals::Signals() : stop(addOutput("stop", qzDT_void)) {
+Signals::Signals() : stop(addOutput("stop", qzDT_void)), hangsUp(!isIgnored(SIGHUP)) {
     int ends[2];
     if (pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) qzFatal("qzwatch: no pipe for signals");
     descriptor = ends[0];
@@ -39,11 +44,13 @@ Signals::Signals() : stop(addOutput("stop", qzDT_void)) {
     qz_theExecutive->addSelectHandler(this);
     onSignal(SIGINT, note);
     onSignal(SIGTERM, note);
+    if (hangsUp) onSignal(SIGHUP, note);
 }
 
 Signals::~Signals() {
     onSignal(SIGINT, SIG_DFL);
     onSignal(SIGTERM, SIG_DFL);
+    if (hangsUp) onSignal(SIGHUP, SIG_DFL);
     close(writeEnd);
     qz_theExecutive->removeSelectHandler(this);
 }

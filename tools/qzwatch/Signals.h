@@ -1,4 +1,5 @@
-// Signals: SIGINT and SIGTERM as a value on the output "stop".
+// Signals: SIGINT, SIGTERM and SIGHUP as a value on the output "stop"; the last one
+// unless it was ignored before, as nohup has it.
 //
 // A signal may arrive in the middle of anything; all that is done then is to write
 // to a pipe, whose other end is served like any input.
@@ -18,6 +19,7 @@ class Signals : public qzSelectHandler {
 
   private:
     qzOutputChannel* const stop;
+    const bool hangsUp;
 };
 
 } // namespace qzwatch

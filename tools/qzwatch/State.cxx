@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 
 #include "tools/qzwatch/Complaint.h"
 #include "tools/qzwatch/Counter.h"
@@ -74,6 +75,23 @@ int writeCounters(FILE* file, const qzVoidPtrArray& counters) {
     return errno ? errno : EIO;
 }
 
+// What a path leads to through symbolic links; itself where there is nothing yet.
+qzPath resolved(const qzPath& path) {
+    char* const real = realpath(path.c_str(), nullptr);
+    const qzPath result(real ? real : path.c_str());
+    std::free(real);
+    return result;
+}
+
+// That of the file which is replaced, or of one that open() makes.
+mode_t modeFor(const qzPath& file) {
+    struct stat old;
+    if (stat(file.c_str(), &old) == 0) return old.st_mode & 0777;
+    const mode_t mask = umask(0);
+    umask(mask);
+    return 0666 & ~mask;
+}
+
 // Whether reading succeeds. Of a broken stream a reader ends the process with a
 // message: that process is a child, whose last words nobody needs.
 bool canBeRead(const qzPath& path) {
@@ -120,22 +138,17 @@ bool State::canBeMade() const {
 }
 
 bool State::save(const qzVoidPtrArray& counters) const {
-    const qzPath fresh(path | ".new");
-    int error = write(fresh, counters);
-    if (!error && std::rename(fresh.c_str(), path.c_str()) != 0) error = errno;
+    const qzPath file = resolved(path);
+    qzPath fresh(file | ".XXXXXX");
+    const int descriptor = mkostemp(fresh.data, O_CLOEXEC);
+    if (descriptor < 0) return complainOf(path, errno);
+    int error = fchmod(descriptor, modeFor(file)) == 0 ? 0 : errno;
+    const int writeError = writeCounters(fdopen(descriptor, "wb"), counters);
+    if (!error) error = writeError;
+    if (!error && std::rename(fresh.c_str(), file.c_str()) != 0) error = errno;
     if (!error) return true;
     unlink(fresh.c_str());
     return complainOf(path, error);
-}
-
-// 0, or the error.
-int State::write(const qzPath& fresh, const qzVoidPtrArray& counters) const {
-    unlink(fresh.c_str()); // what an interrupted run left
-    struct stat old;
-    const mode_t mode = stat(path.c_str(), &old) == 0 ? old.st_mode & 0777 : 0666;
-    const int descriptor = open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-    if (descriptor < 0) return errno;
-    return writeCounters(fdopen(descriptor, "wb"), counters);
 }
 
 } // namespace qzwatch

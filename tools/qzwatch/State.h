@@ -1,8 +1,8 @@
 // State: the file in which counts are kept from one run to the next.
 //
 // A stream of the binary object format, one graph for each Counter. It is replaced
-// as a whole: written under another name (".new" behind its own), brought to the
-// disk and then renamed.
+// as a whole: written to a temporary file beside it, brought to the disk and then
+// renamed. A symbolic link stays one: what it leads to is replaced.
 #ifndef QZ_TOOLS_QZWATCH_STATE_H
 #define QZ_TOOLS_QZWATCH_STATE_H
 
@@ -22,7 +22,6 @@ class State {
 
   private:
     bool canBeMade() const;
-    int write(const qzPath& fresh, const qzVoidPtrArray& counters) const;
 
     const qzPath path;
 };
