@@ -3,6 +3,9 @@
 
 Times are CPU time, medians of the repetitions. Peers stand as ratios, their time divided
 by ours: above 1 ours is faster. What the files do not have is left out.
+
+Rows may have a target: what our time should be at most as a multiple of the best peer's. Those
+tables end with two columns, the target and what was reached.
 """
 import argparse
 import itertools
@@ -35,11 +38,15 @@ def memory(run, _):
     return f"{run['memory']:.1f}"
 
 
-def rows(label, benchmark, columns, *choices):
-    """A row for each combination of the choices, which stand for {}: its label and the
-    benchmarks of the columns, each of which puts its own for *."""
+def rows(label, benchmark, columns, *choices, target=None, peers=None):
+    """A row for each combination of the choices, which stand for {}: its label, the benchmarks
+    of the columns, each of which puts its own for *, ours first, and its target, which is beside
+    the best of these peers, of all when they are not named."""
+    of = columns.split("|")
+    beside = [of.index(peer) for peer in peers.split("|")] if peers else range(1, len(of))
     return [(label.format(*choice),
-             [benchmark.replace("*", column).format(*choice) for column in columns.split("|")])
+             [benchmark.replace("*", column).format(*choice) for column in of],
+             target and (target, beside))
             for choice in itertools.product(*choices)]
 
 
@@ -59,12 +66,13 @@ SENDERS = "Qz|Qt5|GLib|Boost|Sigc|Libevent"
 LOOPS = "Qz|LibeventSelect|LibeventOwn|Libuv|PlainSelect"
 TIMERS = "Qz|Libuv|Libevent"
 TABLES = {  # name: cells, heads, rows
-    "containers": (ratio, "Operation|here|standard library", [
+    "arrays": (ratio, "Operation|here|standard library", [
         *rows("Append {:,} ints to an empty array", "BM_*_AppendInt/{}", "Array|Vector",
               [32, 1024, 32768, 1048576]),
         *rows("Index {:,} ints", "BM_*_IndexInt/{}", "Array|Vector", [65536]),
         *rows("Copy an array of {:,} ints", "BM_*_CopyInt/{}", "Array|Vector", [1048576]),
-        *rows("Sort {:,} ints (beside `qsort`)", "BM_*_Qsort/{}", "Array|C", [1000, 1000000]),
+        *rows("Sort {:,} ints (beside `qsort`)", "BM_*_Qsort/{}", "Array|C", [1000, 1000000])]),
+    "dictionaries": (ratio, "Operation|here|standard library", [
         *rows("{} {:,} string keys", "BM_*/{}", "Dict_{}<qzStrStrDictionary>|Map_{}<StrMap>",
               ["Insert", "Find"], KEYS),
         *rows("Iterate over {:,} string keys", "BM_*/{}",
@@ -72,7 +80,8 @@ TABLES = {  # name: cells, heads, rows
         *rows("{} {:,} word keys", "BM_*/{}", "Dict_{}<qzBinaryOTDict>|Map_{}<WordMap>",
               ["Insert", "Find"], KEYS),
         *rows("Iterate over {:,} word keys", "BM_*/{}",
-              "Dict_Iterate<qzBinaryOTDict, qzBinaryOTDictIter>|Map_Iterate<WordMap>", KEYS),
+              "Dict_Iterate<qzBinaryOTDict, qzBinaryOTDictIter>|Map_Iterate<WordMap>", KEYS)]),
+    "strings": (ratio, "Operation|here|standard library", [
         *rows("Append {:,} characters one by one", "BM_*_AppendChar/{}", "Str|StdString",
               [8, 512, 32768]),
         *rows("Copy a string of {:,}", "BM_*_Copy/{}", "Str|StdString", [8, 32, 1024]),
@@ -117,12 +126,24 @@ def load(files):
     return found
 
 
+def verdict(names, target, runs):
+    """The cells for the target and what was reached: ours divided by the best peer's."""
+    if not target:
+        return [None, None]
+    limit, beside = target
+    peers = [nanoseconds(runs[names[i]]) for i in beside if names[i] in runs]
+    reached = nanoseconds(runs[names[0]]) / min(peers) if peers else None
+    return [f"{limit:g}",
+            reached and (f"{reached:.2f}" if reached <= limit else f"**{reached:.2f}**")]
+
+
 def markdown(cell, heads, rows_of_table, runs):
-    """The table as a document has it; empty without a run of ours."""
-    lines = [heads.split("|")]
-    for label, names in rows_of_table:
+    """The table as a document has it; empty without a run of ours. A miss is bold."""
+    lines = [heads.split("|") + ["target", "reached"]]
+    for label, names, target in rows_of_table:
         if ours := runs.get(names[0]):
-            lines.append([label] + [name in runs and cell(runs[name], ours) for name in names])
+            lines.append([label] + [name in runs and cell(runs[name], ours) for name in names] +
+                         verdict(names, target, runs))
     if len(lines) == 1:
         return ""
     lines = list(zip(*(column for column in zip(*lines) if any(column[1:]))))
