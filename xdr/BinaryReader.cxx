@@ -25,20 +25,15 @@
 #include "xdr/Stream.h"
 #include "xdr/TypeObj.h"
 
+using namespace qzBinaryRecord;
+
 namespace {
-
-const unsigned kindMask = 63;
-
-unsigned lengthBytes(unsigned lengthClass) { return lengthClass == 3 ? 4 : lengthClass; }
 
 // Deliberate: pointers and parts are followed by 8 bytes of fields, of which the
 // first 4 count, though the standard writer puts only these. The format's
 // readers have always consumed 8, and a writer that puts 8 is read by all of
 // them. Pinned by qzBinaryReader.PointersConsumeEightBytesOfFields.
-unsigned fieldBytes(unsigned kind) {
-    static const unsigned char bytes[] = {0, 0, 4, 8, 8, 8, 8, 8, 8, 8, 12, 8, 8, 8, 8};
-    return kind < sizeof bytes ? bytes[kind] : 0;
-}
+unsigned fieldBytes(unsigned kind, unsigned fields) { return isReference(kind) ? 8 : 4 * fields; }
 
 unsigned leastFirst(const char* from, unsigned nbytes) {
     unsigned value = 0;
@@ -48,20 +43,6 @@ unsigned leastFirst(const char* from, unsigned nbytes) {
 }
 
 void setPointer(void* member, void* address) { std::memcpy(member, &address, sizeof address); }
-
-// What an array's element takes in a stream.
-unsigned elementBytes(unsigned tag) {
-    switch (tag) {
-    case qzBOT_Chars:
-        return 1;
-    case qzBOT_Shorts:
-        return 2;
-    case qzBOT_Doubles:
-        return 8;
-    default:
-        return 4;
-    }
-}
 
 } // namespace
 
@@ -77,15 +58,14 @@ struct qzBinaryReader::Group {
 
 qzBinaryReader::qzBinaryReader(qzStream* newStream, short testShort, long testLong,
                                const char* floatFormat)
-    : floats(plain), doubles(plain), groups(nullptr), recent(nullptr),
-      items(sizeof(qzBinaryReaderItem)), came(0), claimed(0) {
+    : floats(plain), doubles(plain), groups(nullptr), recent(nullptr), came(0), claimed(0) {
     const unsigned longOrder = static_cast<unsigned>(testLong);
     switch (static_cast<unsigned short>(testShort)) {
     case 0x1122:
         shorts = plain;
         break;
     case 0x2211:
-        shorts = swapBytes;
+        shorts = swapped<2, 1>;
         break;
     default:
         // Deliberate: the value in the message is the long's; whoever reads such
@@ -98,13 +78,13 @@ qzBinaryReader::qzBinaryReader(qzStream* newStream, short testShort, long testLo
         longs = plain;
         break;
     case 0x44336655:
-        longs = swapBytes;
+        longs = swapped<2, 1>;
         break;
     case 0x55663344:
-        longs = swapHalves;
+        longs = swapped<4, 2>;
         break;
     case 0x66554433:
-        longs = reverseWords;
+        longs = swapped<4, 3>;
         break;
     default:
         qzFatal("qzBinaryReader: unknown long ordering %x", longOrder);
@@ -128,8 +108,7 @@ void qzBinaryReader::reset() {
         delete group;
     }
     recent = nullptr;
-    work.resize(0);
-    items.clear();
+    work.clear();
 }
 
 const char* qzBinaryReader::className() const { return "qzBinaryReader"; }
@@ -171,56 +150,35 @@ qzBinaryReader::Known& qzBinaryReader::learn(unsigned id, Known::What what, void
 
 // Records
 
-unsigned char qzBinaryReader::fill() {
+unsigned char qzBinaryReader::readHeader(unsigned& length) {
     char tag;
-    char header[16];
+    char header[headerSize];
     if (!stream->getBytes(&tag, 1)) return 0;
-    const unsigned kind = tag & kindMask;
-    const unsigned nlength = lengthBytes(static_cast<unsigned char>(tag) >> 6);
-    const unsigned nfields = fieldBytes(kind);
-    if (!stream->getBytes(header, nlength + nfields)) return 0;
-
     cursor = buffer;
     count = 0;
-    record.kind = kind;
-    const char* const fields = header + nlength;
-    switch (kind) {
-    case Continuation:
-    case NullPointer:
-        break;
-    case TypeDefinition:
-        record.typeId = leastFirst(fields, 4);
-        if (!defineType()) return 0;
-        break;
-    case NewArray:
-    case qzBOT_Chars:
-    case qzBOT_Shorts:
-    case qzBOT_Longs:
-    case qzBOT_Floats:
-    case qzBOT_Doubles:
-        record.id = leastFirst(fields, 4);
-        record.length = leastFirst(fields + 4, 4);
-        break;
-    case Object:
-        record.id = leastFirst(fields, 4);
-        record.typeId = leastFirst(fields + 4, 4);
-        record.version = leastFirst(fields + 8, 4);
-        break;
-    case KnownArray:
-    case NewObject:
-    case KnownObject:
-    case NewPart:
-    case KnownPart:
-        record.id = leastFirst(fields, 4);
-        break;
-    default:
-        qzFatal("Whoops!");
-    }
-    const unsigned length = leastFirst(header, nlength);
-    if (length > bufferSize) qzFatal("format error");
-    if (length && !stream->getBytes(buffer, length)) return 0;
+    record.kind = tag & kindBits;
+    const unsigned lengthClass = static_cast<unsigned char>(tag) >> 6;
+    const unsigned nlength = lengthClass == 3 ? 4 : lengthClass;
+    const Fields& fields = fieldsOf(record.kind);
+    const unsigned nheader = nlength + fieldBytes(record.kind, fields.count);
+    if (nheader && !stream->getBytes(header, nheader)) return 0;
+    for (unsigned i = 0; i < fields.count; ++i)
+        record.*fields.at[i] = leastFirst(header + nlength + 4 * i, 4);
+    if (record.kind == TypeDefinition && !defineType()) return 0;
+    length = leastFirst(header, nlength);
+    if (length > maxData) qzFatal("format error");
+    came += 1 + nheader + length;
+    return 1;
+}
+
+unsigned char qzBinaryReader::readData(char* to, unsigned length) {
+    return length == 0 || stream->getBytes(to, length);
+}
+
+unsigned char qzBinaryReader::fill() {
+    unsigned length;
+    if (!readHeader(length) || !readData(buffer, length)) return 0;
     count = length;
-    came += 1 + nlength + nfields + length;
     return 1;
 }
 
@@ -236,11 +194,10 @@ bool qzBinaryReader::mayClaim(qzTranscriber& t, std::size_t nbytes) {
 }
 
 unsigned char qzBinaryReader::defineType() {
-    const unsigned longest = 65536; // no type's name is anywhere near
     qzStackBuffer name;
     char c;
     do {
-        if (name.length() == longest) qzFatal("format error");
+        if (name.length() == maxName) qzFatal("format error");
         if (!stream->getBytes(&c, 1)) return 0;
         name.addc(c);
     } while (c);
@@ -251,15 +208,30 @@ unsigned char qzBinaryReader::defineType() {
 }
 
 unsigned char qzBinaryReader::readBytes(char* to, unsigned nbytes) {
-    while (nbytes > 0) {
-        const unsigned left = static_cast<unsigned>(buffer + count - cursor);
-        const unsigned piece = nbytes < left ? nbytes : left;
-        qzRawMove(to, cursor, piece);
-        cursor += piece;
-        to += piece;
-        nbytes -= piece;
-        if (nbytes > 0 && !fill()) return 0;
+    unsigned left = static_cast<unsigned>(buffer + count - cursor);
+    if (nbytes == 4 && left >= 4) { // most members: no call for them
+        std::memcpy(to, cursor, 4);
+        cursor += 4;
+        return 1;
     }
+    while (nbytes > left) {
+        qzRawMove(to, cursor, left);
+        to += left;
+        nbytes -= left;
+        unsigned length;
+        if (!readHeader(length)) return 0;
+        if (length <= nbytes) { // all of it is wanted: no need to go by the buffer
+            if (!readData(to, length)) return 0;
+            to += length;
+            nbytes -= length;
+            left = 0;
+        } else {
+            if (!readData(buffer, length)) return 0;
+            count = left = length;
+        }
+    }
+    qzRawMove(to, cursor, nbytes);
+    cursor += nbytes;
     return 1;
 }
 
@@ -269,27 +241,13 @@ unsigned char qzBinaryReader::plain(qzBinaryReader& reader, char* to, unsigned n
     return reader.readBytes(to, nbytes);
 }
 
-unsigned char qzBinaryReader::swapBytes(qzBinaryReader& reader, char* to, unsigned nbytes) {
+template <unsigned Unit, unsigned Mask>
+unsigned char qzBinaryReader::swapped(qzBinaryReader& reader, char* to, unsigned nbytes) {
     if (!reader.readBytes(to, nbytes)) return 0;
-    for (unsigned i = 0; i + 2 <= nbytes; i += 2)
-        std::swap(to[i], to[i + 1]);
-    return 1;
-}
-
-unsigned char qzBinaryReader::swapHalves(qzBinaryReader& reader, char* to, unsigned nbytes) {
-    if (!reader.readBytes(to, nbytes)) return 0;
-    for (unsigned i = 0; i + 4 <= nbytes; i += 4) {
-        std::swap(to[i], to[i + 2]);
-        std::swap(to[i + 1], to[i + 3]);
-    }
-    return 1;
-}
-
-unsigned char qzBinaryReader::reverseWords(qzBinaryReader& reader, char* to, unsigned nbytes) {
-    if (!reader.readBytes(to, nbytes)) return 0;
-    for (unsigned i = 0; i + 4 <= nbytes; i += 4) {
-        std::swap(to[i], to[i + 3]);
-        std::swap(to[i + 1], to[i + 2]);
+    for (unsigned i = 0; i + Unit <= nbytes; i += Unit) {
+        for (unsigned byte = 0; byte < Unit; ++byte) {
+            if (byte < (byte ^ Mask)) std::swap(to[i + byte], to[i + (byte ^ Mask)]);
+        }
     }
     return 1;
 }
@@ -366,7 +324,7 @@ unsigned char qzBinaryReader::readPointer(qzBinaryReaderItem item) {
     switch (record.kind) {
     case NewArray:
         if (!array.address) array.wide = item.wide;
-        work.append(new (items.take()) qzBinaryReaderItem(item));
+        work.push_back(item);
         return 1;
     case KnownArray:
         // Deliberate: an array that is still to come is null for this member.
@@ -426,11 +384,10 @@ void qzBinaryReader::takeArray(const qzBinaryReaderItem& item, Known& array) {
 
 void qzBinaryReader::membersMoved(const char* from, unsigned nbytes, char* to) {
     const std::uintptr_t first = reinterpret_cast<std::uintptr_t>(from);
-    for (unsigned i = work.length(); i-- > 0;) {
-        qzBinaryReaderItem& item = *static_cast<qzBinaryReaderItem*>(work[i]);
-        const std::uintptr_t offset = reinterpret_cast<std::uintptr_t>(item.member) - first;
+    for (auto item = work.rbegin(); item != work.rend(); ++item) {
+        const std::uintptr_t offset = reinterpret_cast<std::uintptr_t>(item->member) - first;
         if (offset >= nbytes) break;
-        item.member = to + offset;
+        item->member = to + offset;
     }
 }
 
@@ -444,15 +401,17 @@ unsigned char qzBinaryReader::xdr(void* member, qzXDRObj*, qzTypeObj&, qzXDRObj*
         setPointer(member, nullptr);
         return 1;
     case NewObject:
-        work.append(new (items.take()) qzBinaryReaderItem(item));
+        work.push_back(item);
         return 1;
-    case KnownObject:
-        if (known(item.id).address) {
-            store(item);
+    case KnownObject: {
+        Known& target = known(item.id);
+        if (target.address) {
+            store(item, target);
         } else {
             setPointer(member, nullptr); // as for arrays
         }
         return 1;
+    }
     default:
         qzFatal("XXX bad news!");
     }
@@ -469,7 +428,7 @@ unsigned char qzBinaryReader::xdr(qzTypeObj& type, void* whole, void* part) {
             qzFatal("XXX new base for old base");
         }
         learn(record.id, Known::AnObject, part);
-        parts.add(addressKey(part), record.id);
+        parts.set(addressKey(part), record.id);
         return type.xdr(part, *this);
     case KnownPart:
         if (!known(record.id).address) qzFatal("XXX old base previously unseen");
@@ -479,8 +438,7 @@ unsigned char qzBinaryReader::xdr(qzTypeObj& type, void* whole, void* part) {
     }
 }
 
-void qzBinaryReader::store(const qzBinaryReaderItem& item) {
-    Known& target = known(item.id);
+void qzBinaryReader::store(const qzBinaryReaderItem& item, Known& target) {
     if (item.wanted != qzBinaryReaderItem::AnObject) {
         takeArray(item, target);
         return;
@@ -507,7 +465,7 @@ void* qzBinaryReader::readInstance() {
     case qzBOT_Floats:
     case qzBOT_Doubles:
         return readArray();
-    case Object:
+    case ObjectBody:
         return readObjectBody();
     default:
         qzFatal("XXX baddest news");
@@ -535,7 +493,7 @@ void* qzBinaryReader::readArray() {
     const unsigned length = record.length;
     const bool wide = tag == qzBOT_Longs && known(id).wide;
     const unsigned scale = wide ? sizeof(long) / 4 : 1; // bytes in memory for one in the stream
-    if (length % elementBytes(tag) || length > UINT_MAX / scale) qzFatal("format error");
+    if (length % elementSize(tag) || length > UINT_MAX / scale) qzFatal("format error");
     char* const block = readBlock(conversionOf(tag), length, wide, scale);
     if (!block) return nullptr;
     Known& array = learn(id, Known::AnArray, block);
@@ -589,16 +547,17 @@ void* qzBinaryReader::readObject(qzTypeObj&) {
     // Deliberate: an array, which has no class, is nobody's root. Callers take
     // what they get for an object. Pinned by
     // qzBinaryReader.BrokenStreamsEndInTheirMessage.
-    if (record.kind != Object) qzFatal("XXX baddest news");
+    if (record.kind != ObjectBody) qzFatal("XXX baddest news");
     void* const root = readObjectBody();
-    while (const unsigned pending = work.length()) {
-        const qzBinaryReaderItem item = *static_cast<qzBinaryReaderItem*>(work[pending - 1]);
-        work.remove(pending - 1, 1);
-        items.giveBack();
-        while (!known(item.id).address) {
+    while (!work.empty()) {
+        const qzBinaryReaderItem item = work.back();
+        work.pop_back();
+        Known* target = &known(item.id);
+        while (!target->address) {
             if (!fill() || !readInstance()) return nullptr;
+            target = &known(item.id);
         }
-        store(item);
+        store(item, *target);
     }
     return root;
 }

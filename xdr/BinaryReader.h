@@ -24,6 +24,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 #include "xdr/BinaryReaderItem.h"
 #include "xdr/BinaryTranscriber.h"
@@ -94,13 +95,17 @@ class QZ_EXPORT qzBinaryReader : public qzBinaryTranscriber {
 
     // Reads the next record's header and data.
     unsigned char fill();
+    // The header, and how many bytes of data stand behind it.
+    unsigned char readHeader(unsigned& length);
+    unsigned char readData(char* to, unsigned length);
     // Takes data of the record at hand and of those that follow it.
     unsigned char readBytes(char* to, unsigned nbytes);
 
     static unsigned char plain(qzBinaryReader& reader, char* to, unsigned nbytes);
-    static unsigned char swapBytes(qzBinaryReader& reader, char* to, unsigned nbytes);
-    static unsigned char swapHalves(qzBinaryReader& reader, char* to, unsigned nbytes);
-    static unsigned char reverseWords(qzBinaryReader& reader, char* to, unsigned nbytes);
+    // In each unit of so many bytes, byte i changes places with byte i ^ Mask: 1
+    // swaps neighbours, 2 the halves of words, 3 turns words round.
+    template <unsigned Unit, unsigned Mask>
+    static unsigned char swapped(qzBinaryReader& reader, char* to, unsigned nbytes);
     // Fatal: no stream is written in this format. No header selects it.
     static unsigned char floatsVAX(qzBinaryReader& reader, char* to, unsigned nbytes);
 
@@ -108,6 +113,7 @@ class QZ_EXPORT qzBinaryReader : public qzBinaryTranscriber {
     Conversion longs;
     Conversion floats;
     Conversion doubles;
+    std::vector<qzBinaryReaderItem> work; // members that wait, used as a stack
 
   private:
     // What an id stands for.
@@ -142,12 +148,11 @@ class QZ_EXPORT qzBinaryReader : public qzBinaryTranscriber {
     unsigned char readPiece(Conversion conversion, char* to, unsigned nbytes, bool wide);
     void* readObjectBody();
     // Stores into the member what its id stands for.
-    void store(const qzBinaryReaderItem& item);
+    void store(const qzBinaryReaderItem& item, Known& target);
     void takeArray(const qzBinaryReaderItem& item, Known& array);
 
     Group* groups;         // all, newest first
     Group* recent;         // where the last id was
-    Blocks items;          // of the work list
     std::uint64_t came;    // bytes from the stream, at least
     std::uint64_t claimed; // bytes that were granted
 };

@@ -20,7 +20,6 @@
 
 #include <climits>
 #include <cstring>
-#include <new>
 
 #include "util/Fatal.h"
 #include "util/Str.h"
@@ -28,51 +27,37 @@
 #include "xdr/Stream.h"
 #include "xdr/XDRObj.h"
 
+using namespace qzBinaryRecord;
+
 namespace {
 
-// In the graph form, marks the id of a body that has not begun.
-const unsigned long pendingMark = 0x80000000ul;
+// The graph form ends here.
+const unsigned lastGraphId = 0x7fffffff;
 
-// A record's header, byte by byte.
-class Header {
-  public:
-    Header() : end(bytes) {}
-    void put(unsigned value, unsigned nbytes) {
-        for (; nbytes > 0; --nbytes, value >>= 8)
-            *end++ = static_cast<char>(value);
-    }
-    unsigned size() const { return static_cast<unsigned>(end - bytes); }
-    // Copies the header to where it ends at the place, and returns its beginning.
-    char* moveBefore(char* place) const {
-        return static_cast<char*>(std::memcpy(place - size(), bytes, size()));
-    }
+// How a record's tag says how many bytes the data length has.
+unsigned lengthClass(unsigned dataLength) {
+    if (dataLength == 0) return 0;
+    if (dataLength < 0x100) return 1;
+    return dataLength < 0x10000 ? 2 : 3;
+}
 
-  private:
-    char bytes[20];
-    char* end;
-};
+unsigned lengthBytes(unsigned dataLength) {
+    const unsigned ofClass = lengthClass(dataLength);
+    return ofClass == 3 ? 4 : ofClass;
+}
 
-void putTag(Header& header, unsigned kind, unsigned dataLength) {
-    if (dataLength == 0) {
-        header.put(kind, 1);
-    } else if (dataLength < 0x100) {
-        header.put(kind | 0x40, 1);
-        header.put(dataLength, 1);
-    } else if (dataLength < 0x10000) {
-        header.put(kind | 0x80, 1);
-        header.put(dataLength, 2);
-    } else {
-        header.put(kind | 0xC0, 1);
-        header.put(dataLength, 4);
-    }
+// Least significant byte first; returns where it ends.
+char* put(char* at, unsigned value, unsigned nbytes) {
+    for (; nbytes > 0; --nbytes, value >>= 8)
+        *at++ = static_cast<char>(value);
+    return at;
 }
 
 } // namespace
 
 qzBinaryWriter::qzBinaryWriter(qzStream* newStream) : qzBinaryWriter(newStream, Standard) {}
 
-qzBinaryWriter::qzBinaryWriter(qzStream* newStream, Form form)
-    : nextId(1), form(form), items(sizeof(qzBinaryWriterItem)) {
+qzBinaryWriter::qzBinaryWriter(qzStream* newStream, Form form) : nextId(1), form(form) {
     setStream(newStream);
     table.set(addressKey(nullptr), 0);
 }
@@ -82,8 +67,8 @@ qzBinaryWriter::~qzBinaryWriter() { qzBinaryWriter::reset(); }
 void qzBinaryWriter::reset() {
     table.clear();
     parts.clear();
-    work.resize(0);
-    items.clear();
+    work.clear();
+    begun.clear();
 }
 
 const char* qzBinaryWriter::className() const { return "qzBinaryWriter"; }
@@ -94,47 +79,31 @@ void* qzBinaryWriter::readObject(qzTypeObj&) {
 
 // Records
 
+unsigned qzBinaryWriter::headerLength(unsigned dataLength) const {
+    const bool hasSpare = form == Graph && isReference(record.kind);
+    return 1 + lengthBytes(dataLength) + 4 * (fieldsOf(record.kind).count + hasSpare);
+}
+
+// The header of the record at hand; returns where it ends.
+char* qzBinaryWriter::putHeader(char* at, unsigned dataLength) const {
+    at = put(at, record.kind | lengthClass(dataLength) << 6, 1);
+    at = put(at, dataLength, lengthBytes(dataLength));
+    const Fields& fields = fieldsOf(record.kind);
+    for (unsigned i = 0; i < fields.count; ++i)
+        at = put(at, record.*fields.at[i], 4);
+    return form == Graph && isReference(record.kind) ? put(at, 0, 4) : at;
+}
+
 unsigned char qzBinaryWriter::flush() {
     if (record.kind == Continuation && count == 0) return 1;
-    if (form == Graph && nextId > pendingMark) return 0;
-    Header header;
-    putTag(header, record.kind, count);
-    switch (record.kind) {
-    case Continuation:
-    case NullPointer:
-        break;
-    case TypeDefinition:
-        header.put(record.typeId, 4);
-        break;
-    case NewArray:
-    case qzBOT_Chars:
-    case qzBOT_Shorts:
-    case qzBOT_Longs:
-    case qzBOT_Floats:
-    case qzBOT_Doubles:
-        header.put(record.id, 4);
-        header.put(record.length, 4);
-        break;
-    case Object:
-        header.put(record.id, 4);
-        header.put(record.typeId, 4);
-        header.put(record.version, 4);
-        break;
-    case KnownArray:
-    case NewObject:
-    case KnownObject:
-    case NewPart:
-    case KnownPart:
-        header.put(record.id, 4);
-        if (form == Graph) header.put(0, 4);
-        break;
-    default:
-        qzFatal("Whoops!");
-    }
-    if (!stream->putBytes(header.moveBefore(buffer), header.size() + count)) return 0;
+    if (form == Graph && nextId - 1 > lastGraphId) return 0;
+    const unsigned length = headerLength(count);
+    putHeader(buffer - length, count);
+    if (!stream->putBytes(buffer - length, length + count)) return 0;
     if (record.kind == TypeDefinition) { // which is put at once: it has no data
-        const unsigned length = static_cast<unsigned>(std::strlen(record.name)) + 1;
-        if (!stream->putBytes(record.name, length)) return 0;
+        if (!stream->putBytes(record.name, static_cast<unsigned>(std::strlen(record.name)) + 1)) {
+            return 0;
+        }
     }
     cursor = buffer;
     count = 0;
@@ -143,6 +112,12 @@ unsigned char qzBinaryWriter::flush() {
 }
 
 unsigned char qzBinaryWriter::writeBytes(const void* bytes, unsigned n) {
+    if (n == 4 && capacity - count > 4) { // most members: no call for them
+        std::memcpy(cursor, bytes, 4);
+        cursor += 4;
+        count += 4;
+        return 1;
+    }
     const char* from = static_cast<const char*>(bytes);
     while (n > 0) {
         const unsigned piece = n < capacity - count ? n : capacity - count;
@@ -212,17 +187,10 @@ unsigned char qzBinaryWriter::writeArray(void* array, unsigned n, qzBinaryOTTag 
     if (!array && form == Standard) return writeNull();
     if (n > UINT_MAX / streamSize || !flush()) return 0;
     const unsigned length = n * streamSize;
-    bool isOut;
-    if (!array) {
-        record.id = 0;
-        isOut = true;
-    } else if (!findId(array, isOut)) {
-        record.id = push(
-            {qzBinaryWriterItem::PrimitiveArray, array, nullptr, length, tag, memorySize, nullptr},
-            nullptr);
-        isOut = false;
-    }
-    if (isOut) {
+    const Meeting met = array ? meet(array) : Meeting{0, false, true};
+    if (met.isNew) work.emplace_back(array, met.id, length, tag, memorySize);
+    record.id = met.id;
+    if (met.isOut) {
         record.kind = KnownArray;
         return flush(); // at once: it carries no data
     }
@@ -274,25 +242,16 @@ unsigned char qzBinaryWriter::xdr(unsigned char** text) {
 
 // Objects
 
-unsigned qzBinaryWriter::push(qzBinaryWriterItem item, unsigned long* known) {
-    const unsigned id = nextId++;
-    const unsigned long entry = form == Graph ? id | pendingMark : id;
-    if (known) {
-        *known = entry;
-    } else {
-        known = table.add(addressKey(item.address), entry);
-    }
-    item.id = known;
-    work.append(new (items.take()) qzBinaryWriterItem(item));
-    return id;
+qzBinaryWriter::Meeting qzBinaryWriter::meet(const void* address) {
+    const Table::Found found = table.findOrAdd(addressKey(address), nextId);
+    if (found.isNew) return {nextId++, true, false};
+    const unsigned id = static_cast<unsigned>(found.value);
+    return {id, false, form == Standard || hasBegun(id)};
 }
 
-bool qzBinaryWriter::findId(const void* address, bool& isOut) {
-    const unsigned long* const known = table.lookup(addressKey(address));
-    if (!known) return false;
-    isOut = form == Standard || !(*known & pendingMark);
-    record.id = static_cast<unsigned>(form == Standard ? *known : *known & ~pendingMark);
-    return true;
+void qzBinaryWriter::markBegun(unsigned id) {
+    if (id >= begun.size()) begun.resize(id + id / 2 + 1);
+    begun[id] = true;
 }
 
 unsigned qzBinaryWriter::writeType(qzTypeObj& type) {
@@ -315,72 +274,80 @@ unsigned char qzBinaryWriter::xdr(void* member, qzXDRObj* object, qzTypeObj&, qz
     if (!flush()) return 0;
     qzTypeObj& type = object->getTypeObj();
     if (form == Standard && !writeType(type)) return 0;
-    bool isOut;
-    if (!findId(address, isOut)) {
-        record.id =
-            push({qzBinaryWriterItem::Object, address, &type, 0, qzBOT_Chars, 0, nullptr}, nullptr);
-        isOut = false;
-    }
-    record.kind = isOut ? KnownObject : NewObject;
+    const Meeting met = meet(address);
+    if (met.isNew) work.emplace_back(address, met.id, type);
+    record.id = met.id;
+    record.kind = met.isOut ? KnownObject : NewObject;
     return 1;
 }
 
 unsigned char qzBinaryWriter::xdr(qzTypeObj& type, void* whole, void* part) {
     if (whole == part) return 1;
     if (!flush()) return 0;
-    bool isOut = false;
-    const bool isKnown = findId(part, isOut);
-    if (isPartOut(part, isKnown)) {
+    const unsigned long* const known = table.lookup(addressKey(part));
+    if (known) record.id = static_cast<unsigned>(*known);
+    if (isPartOut(part, known)) {
         record.kind = KnownPart;
         return 1;
     }
     // In the graph form, what waits for a part's body gets it here, in place.
-    if (!isKnown || isOut) {
-        record.id = nextId++;
-    }
+    if (!known || hasBegun(record.id)) record.id = nextId++;
     record.kind = NewPart;
     table.set(addressKey(part), record.id);
-    if (form == Graph) parts.add(addressKey(part), record.id);
+    if (form == Graph) {
+        markBegun(record.id);
+        parts.set(addressKey(part), record.id);
+    }
     return type.xdr(part, *this);
 }
 
 // A reader builds each object from its own records: in the graph form a part is
 // out when this object has put it, not when an earlier one did.
-bool qzBinaryWriter::isPartOut(const void* part, bool isKnown) const {
-    return form == Standard ? isKnown : parts.lookup(addressKey(part)) != nullptr;
+bool qzBinaryWriter::isPartOut(const void* part, const unsigned long* known) const {
+    return form == Standard ? known != nullptr : parts.lookup(addressKey(part)) != nullptr;
+}
+
+// A root always gets an id of its own, under which bodies of it go that still
+// wait from a graph that failed.
+void qzBinaryWriter::pushRoot(void* root, qzTypeObj& type) {
+    const unsigned id = nextId++;
+    const Table::Found found = table.findOrAdd(addressKey(root), id);
+    if (!found.isNew) {
+        found.value = id;
+        for (qzBinaryWriterItem& item : work) {
+            if (item.address == root) item.id = id;
+        }
+    }
+    work.emplace_back(root, id, type);
 }
 
 unsigned char qzBinaryWriter::writeObject(void* root, qzXDRObj* object) {
-    push({qzBinaryWriterItem::Object, root, &object->getTypeObj(), 0, qzBOT_Chars, 0, nullptr},
-         table.lookup(addressKey(root)));
-    while (const unsigned pending = work.length()) {
-        const qzBinaryWriterItem item = *static_cast<qzBinaryWriterItem*>(work[pending - 1]);
-        work.remove(pending - 1, 1);
-        items.giveBack();
+    pushRoot(root, object->getTypeObj());
+    while (!work.empty()) {
+        const qzBinaryWriterItem item = work.back();
+        work.pop_back();
+        if (work.size() > 4) __builtin_prefetch(work[work.size() - 4].address);
         if (!writeItem(item) || !flush()) return 0;
     }
     return 1;
 }
 
 unsigned char qzBinaryWriter::writeItem(const qzBinaryWriterItem& item) {
-    unsigned long& entry = *item.id;
     if (form == Graph) {
-        if (!(entry & pendingMark)) return 1; // it went out as a part
-        entry &= ~pendingMark;
+        if (hasBegun(item.id)) return 1; // it went out as a part
+        markBegun(item.id);
     }
-    const unsigned id = static_cast<unsigned>(entry);
-    return item.kind == qzBinaryWriterItem::Object ? writeObjectItem(item, id)
-                                                   : writeArrayItem(item, id);
+    record.id = item.id;
+    return item.kind == qzBinaryWriterItem::Object ? writeObjectItem(item) : writeArrayItem(item);
 }
 
 // Deliberate: in the standard form the version is that of the type defined last,
 // not the object's own; readers compare it as it stands, and the library's types
 // all have 1. Pinned by qzBinaryWriter.ObjectsCarryTheVersionLastDefined.
-unsigned char qzBinaryWriter::writeObjectItem(const qzBinaryWriterItem& item, unsigned id) {
+unsigned char qzBinaryWriter::writeObjectItem(const qzBinaryWriterItem& item) {
     const unsigned typeId = writeType(*item.type);
     if (!typeId) return 0;
-    record.kind = Object;
-    record.id = id;
+    record.kind = ObjectBody;
     record.typeId = typeId;
     if (form == Graph) {
         record.version = item.type->version;
@@ -389,12 +356,33 @@ unsigned char qzBinaryWriter::writeObjectItem(const qzBinaryWriterItem& item, un
     return item.type->xdr(item.address, *this);
 }
 
-unsigned char qzBinaryWriter::writeArrayItem(const qzBinaryWriterItem& item, unsigned id) {
+unsigned char qzBinaryWriter::writeArrayItem(const qzBinaryWriterItem& item) {
     record.kind = item.tag;
-    record.id = id;
     record.length = item.length;
     if (item.tag == qzBOT_Longs && item.memorySize != 4) {
         return writeLongs(static_cast<long*>(item.address), item.length / 4);
     }
-    return writeBytes(item.address, item.length);
+    const char* from = static_cast<const char*>(item.address);
+    unsigned length = item.length;
+    return writeFullRecords(from, length) && writeBytes(from, length);
+}
+
+// The body of a large array, as far as it fills records: they are put together
+// many at a time, as a stream call for each costs as much as copying it.
+unsigned char qzBinaryWriter::writeFullRecords(const char*& from, unsigned& length) {
+    const unsigned together = 32;
+    char records[together * (headerSize + maxData)];
+    while (length >= 2 * capacity) {
+        char* end = records;
+        for (unsigned i = 0; i < together && length >= capacity; ++i) {
+            end = putHeader(end, capacity);
+            std::memcpy(end, from, capacity);
+            end += capacity;
+            from += capacity;
+            length -= capacity;
+            record.kind = Continuation;
+        }
+        if (!stream->putBytes(records, static_cast<unsigned>(end - records))) return 0;
+    }
+    return 1;
 }

@@ -18,6 +18,8 @@
 #ifndef QZ_XDR_BINARYWRITER_H
 #define QZ_XDR_BINARYWRITER_H
 
+#include <vector>
+
 #include "xdr/BinaryTranscriber.h"
 #include "xdr/BinaryWriterItem.h"
 
@@ -79,25 +81,35 @@ class QZ_EXPORT qzBinaryWriter : public qzBinaryTranscriber {
     // n elements of one size in memory and in the stream.
     unsigned char writeArray(void* array, unsigned n, qzBinaryOTTag tag, unsigned memorySize,
                              unsigned streamSize);
-    // Queues a body under the next id, which it returns; known is the address's
-    // place in the object table, if it has one.
-    unsigned push(qzBinaryWriterItem item, unsigned long* known);
     unsigned char writeItem(const qzBinaryWriterItem& item);
 
     unsigned nextId;
     const Form form;
+    std::vector<qzBinaryWriterItem> work; // bodies to be written, used as a stack
 
   private:
-    // Whether the address has an id, which becomes the record's; isOut tells
-    // whether its body has begun, as far as the form cares.
-    bool findId(const void* address, bool& isOut);
-    bool isPartOut(const void* part, bool isKnown) const;
+    // What the table has of an address, which it is given if it is new. isOut: it
+    // need not be promised, in the graph form since its body has begun.
+    struct Meeting {
+        unsigned id;
+        bool isNew;
+        bool isOut;
+    };
+    Meeting meet(const void* address);
+    void pushRoot(void* root, qzTypeObj& type);
+    bool hasBegun(unsigned id) const { return id < begun.size() && begun[id]; }
+    void markBegun(unsigned id);
+    bool isPartOut(const void* part, const unsigned long* known) const;
+
+    unsigned headerLength(unsigned dataLength) const;
+    char* putHeader(char* at, unsigned dataLength) const;
     unsigned char writeValues(const void* values, unsigned n, unsigned size);
-    unsigned char writeObjectItem(const qzBinaryWriterItem& item, unsigned id);
-    unsigned char writeArrayItem(const qzBinaryWriterItem& item, unsigned id);
+    unsigned char writeObjectItem(const qzBinaryWriterItem& item);
+    unsigned char writeArrayItem(const qzBinaryWriterItem& item);
+    unsigned char writeFullRecords(const char*& from, unsigned& length);
     template <class Long> unsigned char writeLongs(const Long* values, unsigned n);
 
-    Blocks items; // of the work list
+    std::vector<bool> begun; // in the graph form, by id: whether the body has
 };
 
 #endif

@@ -1,21 +1,31 @@
-// qzBinaryWriterItem: a body that a binary writer has yet to put out.
+// qzBinaryWriterItem: an object or array whose body is still to be written.
 #ifndef QZ_XDR_BINARYWRITERITEM_H
 #define QZ_XDR_BINARYWRITERITEM_H
-
-#include "xdr/BinaryOTTag.h"
 
 class qzTypeObj;
 
 struct qzBinaryWriterItem {
-    enum ItemKind { Object = 0, PrimitiveArray = 1 };
+    enum ItemKind : unsigned char { Object = 0, PrimitiveArray = 1 };
 
-    ItemKind kind;
+    qzBinaryWriterItem(void* object, unsigned id, qzTypeObj& type)
+        : address(object), id(id), type(&type), kind(Object), tag(0), memorySize(0) {}
+    qzBinaryWriterItem(void* array, unsigned id, unsigned length, unsigned tag, unsigned memorySize)
+        : address(array), id(id), length(length), kind(PrimitiveArray),
+          tag(static_cast<unsigned char>(tag)), memorySize(static_cast<unsigned char>(memorySize)) {
+    }
+
     void* address;
-    qzTypeObj* type;     // of an object
-    unsigned length;     // of an array in the stream, bytes
-    qzBinaryOTTag tag;   // of an array
-    unsigned memorySize; // of an array's element: longs may be wider than in a stream
-    unsigned long* id;   // in the object table
+    unsigned id;
+    union {
+        qzTypeObj* type; // of an object
+        unsigned length; // of an array in the stream, bytes
+    };
+    ItemKind kind;
+    unsigned char tag;        // qzBinaryOTTag of an array
+    unsigned char memorySize; // of an array's element: longs may be wider than in a stream
 };
+
+static_assert(sizeof(void*) != 4 || sizeof(qzBinaryWriterItem) == 16,
+              "there is one for each string that waits");
 
 #endif

@@ -31,13 +31,12 @@ bool putHeader(qzStream& stream, const char* name) {
            stream.putShorts(&testShort, 1) && stream.putLongs(&testLong, 1);
 }
 
-// A text with its NUL. No name is anywhere near the limit, which keeps a stream
-// without a NUL from being read to its end.
+// A text with its NUL. The limit keeps a stream without one from being read to its
+// end.
 bool getText(qzStream& stream, qzStackBuffer& text) {
-    const unsigned limit = 65536;
     char c;
     do {
-        if (text.length() == limit || !stream.getBytes(&c, 1)) return false;
+        if (text.length() == qzBinaryRecord::maxName || !stream.getBytes(&c, 1)) return false;
         text.addc(c);
     } while (c);
     return true;

@@ -198,10 +198,10 @@ TEST(qzBinaryReader, ResetForgetsTheMembersThatWait) {
     };
     Reading reading(box("") + reference(11, 3) + reference(11, 4));
     EXPECT_EQ(reading.box(), nullptr);
-    EXPECT_EQ(reading.reader.work.length(), 1u);
+    EXPECT_EQ(reading.reader.work.size(), 1u);
     delete cut;
     reading.reader.reset();
-    EXPECT_EQ(reading.reader.work.length(), 0u);
+    EXPECT_EQ(reading.reader.work.size(), 0u);
 }
 
 TEST(qzBinaryReader, BrokenStreamsEndInTheirMessage) {

@@ -61,7 +61,7 @@ unsigned fieldCount(unsigned kind, FieldForm form) {
     if (kind == TypeDefinition) return 1;
     if (kind == NewArray || isArrayBody(kind)) return 2;
     if (kind == ObjectBody) return 3;
-    if (hasFieldForm(kind)) return form == FieldForm::OneWord ? 1 : 2;
+    if (isReference(kind)) return form == FieldForm::OneWord ? 1 : 2;
     return 0;
 }
 
@@ -126,20 +126,6 @@ const char* kindName(unsigned kind) {
     return names[kind];
 }
 
-unsigned elementSize(unsigned kind) {
-    switch (kind) {
-    case qzBOT_Shorts:
-        return 2;
-    case qzBOT_Longs:
-    case qzBOT_Floats:
-        return 4;
-    case qzBOT_Doubles:
-        return 8;
-    default:
-        return 1;
-    }
-}
-
 const char* ByteOrder::shortName() const { return nameOf(testShort, shortOrders); }
 const char* ByteOrder::longName() const { return nameOf(testLong, longOrders); }
 
@@ -183,7 +169,7 @@ std::string parseRecord(std::string_view bytes, FieldForm form, Record& record) 
     if (record.kind == ObjectBody) {
         record.typeId = fields[1];
         record.version = fields[2];
-    } else if (hasFieldForm(record.kind)) {
+    } else if (isReference(record.kind)) {
         record.spare = fields[1];
     } else {
         record.length = fields[1];

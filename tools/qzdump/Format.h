@@ -8,38 +8,16 @@
 #include <string>
 #include <string_view>
 
-#include "xdr/BinaryOTTag.h"
+#include "xdr/BinaryRecord.h"
 
 namespace qzdump {
 
-enum Kind : unsigned {
-    Continuation = 0,
-    NullPointer = 1,
-    TypeDefinition = 2,
-    NewArray = 3,
-    KnownArray = 4,
-    FirstArrayBody = qzBOT_Chars,
-    LastArrayBody = qzBOT_Doubles,
-    ObjectBody = 10,
-    NewObject = 11,
-    KnownObject = 12,
-    NewPart = 13,
-    KnownPart = 14,
-    LastUsedKind = KnownPart
-};
+using namespace qzBinaryRecord;
 
-const unsigned kindBits = 63; // of the tag; the others tell how the length is stored
-
-inline bool isArrayBody(unsigned kind) { return kind >= FirstArrayBody && kind <= LastArrayBody; }
-inline bool isBody(unsigned kind) { return isArrayBody(kind) || kind == ObjectBody; }
 const char* kindName(unsigned kind);
 
-// Bytes of an element of an array body.
-unsigned elementSize(unsigned kind);
-
-// The fields of the kinds 4 and 11 to 14: the id alone, or the id and a word 0.
+// The fields of references: the id alone, or the id and a word 0.
 enum class FieldForm { OneWord, TwoWords };
-inline bool hasFieldForm(unsigned kind) { return kind == KnownArray || kind > ObjectBody; }
 
 struct Record {
     unsigned kind = 0;
@@ -53,8 +31,6 @@ struct Record {
     std::size_t size = 0; // of the whole record in the stream
 };
 
-const std::size_t maxData = 512;
-const std::size_t maxName = 65536; // with its NUL
 const std::size_t maxRecord = 1 + 4 + 3 * 4 + maxName + maxData;
 const std::size_t maxHeader = 2 * maxName + 2 + 4;
 

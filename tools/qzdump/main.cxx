@@ -195,7 +195,7 @@ bool Dump::nextRecord() {
         complain(tracker.finish());
         return false;
     }
-    if (!form && hasFieldForm(bytes.front() & kindBits)) {
+    if (!form && isReference(bytes.front() & kindBits)) {
         bytes = source.peek(Source::windowSize);
         form = guessForm(bytes);
     }
