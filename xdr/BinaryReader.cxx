@@ -35,11 +35,25 @@ namespace {
 // them. Pinned by qzBinaryReader.PointersConsumeEightBytesOfFields.
 unsigned fieldBytes(unsigned kind, unsigned fields) { return isReference(kind) ? 8 : 4 * fields; }
 
-unsigned leastFirst(const char* from, unsigned nbytes) {
+template <unsigned nbytes> unsigned leastFirst(const char* from) {
     unsigned value = 0;
-    while (nbytes-- > 0)
-        value = value << 8 | static_cast<unsigned char>(from[nbytes]);
+    for (unsigned i = 0; i < nbytes; ++i)
+        value |= static_cast<unsigned>(static_cast<unsigned char>(from[i])) << 8 * i;
     return value;
+}
+
+// The data length behind a tag, which has no, 1, 2 or 4 bytes.
+unsigned dataLength(const char* from, unsigned nbytes) {
+    switch (nbytes) {
+    case 0:
+        return 0;
+    case 1:
+        return leastFirst<1>(from);
+    case 2:
+        return leastFirst<2>(from);
+    default:
+        return leastFirst<4>(from);
+    }
 }
 
 void setPointer(void* member, void* address) { std::memcpy(member, &address, sizeof address); }
@@ -163,9 +177,9 @@ unsigned char qzBinaryReader::readHeader(unsigned& length) {
     const unsigned nheader = nlength + fieldBytes(record.kind, fields.count);
     if (nheader && !stream->getBytes(header, nheader)) return 0;
     for (unsigned i = 0; i < fields.count; ++i)
-        record.*fields.at[i] = leastFirst(header + nlength + 4 * i, 4);
+        record.*fields.at[i] = leastFirst<4>(header + nlength + 4 * i);
     if (record.kind == TypeDefinition && !defineType()) return 0;
-    length = leastFirst(header, nlength);
+    length = dataLength(header, nlength);
     if (length > maxData) qzFatal("format error");
     came += 1 + nheader + length;
     return 1;

@@ -32,19 +32,25 @@ qzBinaryTranscriber::qzBinaryTranscriber()
 
 qzBinaryTranscriber::~qzBinaryTranscriber() = default;
 
-const qzBinaryTranscriber::Fields& qzBinaryTranscriber::fieldsOf(unsigned kind) {
-    static const Fields none = {};
-    static const Fields type = {1, {&Record::typeId}};
-    static const Fields array = {2, {&Record::id, &Record::length}};
-    static const Fields object = {3, {&Record::id, &Record::typeId, &Record::version}};
-    static const Fields reference = {1, {&Record::id}};
-    using namespace qzBinaryRecord;
-    if (kind > LastUsedKind) qzFatal("Whoops!");
-    if (kind == TypeDefinition) return type;
-    if (kind == NewArray || isArrayBody(kind)) return array;
-    if (kind == ObjectBody) return object;
-    return isReference(kind) ? reference : none;
-}
+const qzBinaryTranscriber::Fields qzBinaryTranscriber::fieldsOfKinds[] = {
+    {0, {}},                                               // continuation
+    {0, {}},                                               // null pointer
+    {1, {&Record::typeId}},                                // type definition
+    {2, {&Record::id, &Record::length}},                   // new array
+    {1, {&Record::id}},                                    // known array
+    {2, {&Record::id, &Record::length}},                   // chars
+    {2, {&Record::id, &Record::length}},                   // shorts
+    {2, {&Record::id, &Record::length}},                   // longs
+    {2, {&Record::id, &Record::length}},                   // floats
+    {2, {&Record::id, &Record::length}},                   // doubles
+    {3, {&Record::id, &Record::typeId, &Record::version}}, // object
+    {1, {&Record::id}},                                    // new object
+    {1, {&Record::id}},                                    // known object
+    {1, {&Record::id}},                                    // new part
+    {1, {&Record::id}},                                    // known part
+};
+
+void qzBinaryTranscriber::noSuchRecord() { qzFatal("Whoops!"); }
 
 // The table
 
@@ -56,7 +62,7 @@ void qzBinaryTranscriber::Table::useFew() {
     mask = (1ul << fewBits) - 1;
     shift = wordBits - fewBits;
     used = 0;
-    limit = mask * 3 / 4;
+    limit = mask / 2;
 }
 
 void qzBinaryTranscriber::Table::clear() {
@@ -72,7 +78,7 @@ qzBinaryTranscriber::Table::Slot& qzBinaryTranscriber::Table::grownSlotFor(unsig
     const unsigned long oldMask = mask;
     mask = mask * 2 + 1;
     shift -= 1;
-    limit = mask / 4 * 3;
+    limit = mask / 2;
     slots = static_cast<Slot*>(qzRawTryZeroed((mask + 1) * sizeof(Slot)));
     if (!slots) qzRawExhausted();
     for (unsigned long i = 0; i <= oldMask; ++i) {

@@ -86,7 +86,10 @@ class QZ_EXPORT qzBinaryTranscriber : public virtual qzTranscriber {
         unsigned count;
         unsigned Record::*at[3];
     };
-    static const Fields& fieldsOf(unsigned kind); // fatal for one that no record has
+    static const Fields& fieldsOf(unsigned kind) {
+        if (kind > qzBinaryRecord::LastUsedKind) noSuchRecord();
+        return fieldsOfKinds[kind];
+    }
 
     static const unsigned headerSize = 20; // at most: a tag, a length of 4 and fields of 12
 
@@ -95,6 +98,9 @@ class QZ_EXPORT qzBinaryTranscriber : public virtual qzTranscriber {
     static unsigned long addressKey(const void* address) {
         return reinterpret_cast<unsigned long>(address);
     }
+
+    [[noreturn]] static void noSuchRecord();
+    static const Fields fieldsOfKinds[qzBinaryRecord::LastUsedKind + 1];
 
     char space[headerSize + qzBinaryRecord::maxData]; // a header, right before the data buffer
     char* const buffer;

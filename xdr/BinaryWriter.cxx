@@ -34,23 +34,20 @@ namespace {
 // The graph form ends here.
 const unsigned lastGraphId = 0x7fffffff;
 
-// How a record's tag says how many bytes the data length has.
-unsigned lengthClass(unsigned dataLength) {
-    if (dataLength == 0) return 0;
-    if (dataLength < 0x100) return 1;
-    return dataLength < 0x10000 ? 2 : 3;
+// Least significant byte first, in front of the place; returns where it begins.
+template <unsigned nbytes> char* putBefore(char* place, unsigned value) {
+    place -= nbytes;
+    for (unsigned i = 0; i < nbytes; ++i)
+        place[i] = static_cast<char>(value >> 8 * i);
+    return place;
 }
 
-unsigned lengthBytes(unsigned dataLength) {
-    const unsigned ofClass = lengthClass(dataLength);
-    return ofClass == 3 ? 4 : ofClass;
-}
-
-// Least significant byte first; returns where it ends.
-char* put(char* at, unsigned value, unsigned nbytes) {
-    for (; nbytes > 0; --nbytes, value >>= 8)
-        *at++ = static_cast<char>(value);
-    return at;
+// The tag, which tells how many bytes the length has, and the length.
+char* putTagBefore(char* place, unsigned kind, unsigned dataLength) {
+    if (dataLength == 0) return putBefore<1>(place, kind);
+    if (dataLength < 0x100) return putBefore<1>(putBefore<1>(place, dataLength), kind | 0x40);
+    if (dataLength < 0x10000) return putBefore<1>(putBefore<2>(place, dataLength), kind | 0x80);
+    return putBefore<1>(putBefore<4>(place, dataLength), kind | 0xC0);
 }
 
 } // namespace
@@ -79,27 +76,21 @@ void* qzBinaryWriter::readObject(qzTypeObj&) {
 
 // Records
 
-unsigned qzBinaryWriter::headerLength(unsigned dataLength) const {
-    const bool hasSpare = form == Graph && isReference(record.kind);
-    return 1 + lengthBytes(dataLength) + 4 * (fieldsOf(record.kind).count + hasSpare);
-}
-
-// The header of the record at hand; returns where it ends.
-char* qzBinaryWriter::putHeader(char* at, unsigned dataLength) const {
-    at = put(at, record.kind | lengthClass(dataLength) << 6, 1);
-    at = put(at, dataLength, lengthBytes(dataLength));
+// The header of the record at hand, in front of its data; returns where it begins.
+char* qzBinaryWriter::putHeaderBefore(char* data, unsigned dataLength) const {
+    char* at = data;
+    if (form == Graph && isReference(record.kind)) at = putBefore<4>(at, 0);
     const Fields& fields = fieldsOf(record.kind);
-    for (unsigned i = 0; i < fields.count; ++i)
-        at = put(at, record.*fields.at[i], 4);
-    return form == Graph && isReference(record.kind) ? put(at, 0, 4) : at;
+    for (unsigned i = fields.count; i-- > 0;)
+        at = putBefore<4>(at, record.*fields.at[i]);
+    return putTagBefore(at, record.kind, dataLength);
 }
 
 unsigned char qzBinaryWriter::flush() {
     if (record.kind == Continuation && count == 0) return 1;
     if (form == Graph && nextId - 1 > lastGraphId) return 0;
-    const unsigned length = headerLength(count);
-    putHeader(buffer - length, count);
-    if (!stream->putBytes(buffer - length, length + count)) return 0;
+    char* const header = putHeaderBefore(buffer, count);
+    if (!stream->putBytes(header, static_cast<unsigned>(buffer - header) + count)) return 0;
     if (record.kind == TypeDefinition) { // which is put at once: it has no data
         if (!stream->putBytes(record.name, static_cast<unsigned>(std::strlen(record.name)) + 1)) {
             return 0;
@@ -119,14 +110,42 @@ unsigned char qzBinaryWriter::writeBytes(const void* bytes, unsigned n) {
         return 1;
     }
     const char* from = static_cast<const char*>(bytes);
-    while (n > 0) {
-        const unsigned piece = n < capacity - count ? n : capacity - count;
-        qzRawMove(cursor, from, piece);
-        cursor += piece;
-        count += piece;
-        from += piece;
-        n -= piece;
-        if (count == capacity && !flush()) return 0;
+    while (n >= capacity - count) {
+        if (count == 0 && n >= 2 * capacity) {
+            if (!writeFullRecords(from, n)) return 0;
+        } else {
+            const unsigned piece = capacity - count;
+            std::memcpy(cursor, from, piece);
+            count = capacity;
+            from += piece;
+            n -= piece;
+            if (!flush()) return 0;
+        }
+    }
+    qzRawMove(cursor, from, n);
+    cursor += n;
+    count += n;
+    return 1;
+}
+
+// As many bytes as fill records, put together many records at a time: a stream
+// call for each costs as much as copying it.
+unsigned char qzBinaryWriter::writeFullRecords(const char*& from, unsigned& n) {
+    const unsigned together = 32;
+    char records[together * (headerSize + maxData)];
+    while (n >= capacity) {
+        char* end = records;
+        for (unsigned i = 0; i < together && n >= capacity; ++i) {
+            char* const begin = putHeaderBefore(buffer, capacity);
+            std::memcpy(end, begin, buffer - begin);
+            end += buffer - begin;
+            std::memcpy(end, from, capacity);
+            end += capacity;
+            from += capacity;
+            n -= capacity;
+            record.kind = Continuation;
+        }
+        if (!stream->putBytes(records, static_cast<unsigned>(end - records))) return 0;
     }
     return 1;
 }
@@ -250,8 +269,9 @@ qzBinaryWriter::Meeting qzBinaryWriter::meet(const void* address) {
 }
 
 void qzBinaryWriter::markBegun(unsigned id) {
-    if (id >= begun.size()) begun.resize(id + id / 2 + 1);
-    begun[id] = true;
+    const std::size_t word = id / 32;
+    if (word >= begun.size()) begun.resize(word + word / 2 + 1);
+    begun[word] |= 1u << id % 32;
 }
 
 unsigned qzBinaryWriter::writeType(qzTypeObj& type) {
@@ -362,27 +382,5 @@ unsigned char qzBinaryWriter::writeArrayItem(const qzBinaryWriterItem& item) {
     if (item.tag == qzBOT_Longs && item.memorySize != 4) {
         return writeLongs(static_cast<long*>(item.address), item.length / 4);
     }
-    const char* from = static_cast<const char*>(item.address);
-    unsigned length = item.length;
-    return writeFullRecords(from, length) && writeBytes(from, length);
-}
-
-// The body of a large array, as far as it fills records: they are put together
-// many at a time, as a stream call for each costs as much as copying it.
-unsigned char qzBinaryWriter::writeFullRecords(const char*& from, unsigned& length) {
-    const unsigned together = 32;
-    char records[together * (headerSize + maxData)];
-    while (length >= 2 * capacity) {
-        char* end = records;
-        for (unsigned i = 0; i < together && length >= capacity; ++i) {
-            end = putHeader(end, capacity);
-            std::memcpy(end, from, capacity);
-            end += capacity;
-            from += capacity;
-            length -= capacity;
-            record.kind = Continuation;
-        }
-        if (!stream->putBytes(records, static_cast<unsigned>(end - records))) return 0;
-    }
-    return 1;
+    return writeBytes(item.address, item.length);
 }

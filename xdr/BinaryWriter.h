@@ -97,19 +97,20 @@ class QZ_EXPORT qzBinaryWriter : public qzBinaryTranscriber {
     };
     Meeting meet(const void* address);
     void pushRoot(void* root, qzTypeObj& type);
-    bool hasBegun(unsigned id) const { return id < begun.size() && begun[id]; }
+    bool hasBegun(unsigned id) const {
+        return id / 32 < begun.size() && begun[id / 32] >> id % 32 & 1;
+    }
     void markBegun(unsigned id);
     bool isPartOut(const void* part, const unsigned long* known) const;
 
-    unsigned headerLength(unsigned dataLength) const;
-    char* putHeader(char* at, unsigned dataLength) const;
+    char* putHeaderBefore(char* data, unsigned dataLength) const;
     unsigned char writeValues(const void* values, unsigned n, unsigned size);
     unsigned char writeObjectItem(const qzBinaryWriterItem& item);
     unsigned char writeArrayItem(const qzBinaryWriterItem& item);
-    unsigned char writeFullRecords(const char*& from, unsigned& length);
+    unsigned char writeFullRecords(const char*& from, unsigned& n);
     template <class Long> unsigned char writeLongs(const Long* values, unsigned n);
 
-    std::vector<bool> begun; // in the graph form, by id: whether the body has
+    std::vector<unsigned> begun; // in the graph form, a bit for each id: whether the body has
 };
 
 #endif

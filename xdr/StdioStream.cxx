@@ -3,6 +3,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cstring>
+
 #include "xdr/StreamModes.h"
 
 namespace {
@@ -18,13 +20,42 @@ FILE* wrap(int fd, qzStream::qzStreamType type) {
     return mode ? fdopen(fd, mode) : nullptr;
 }
 
+// What is in the file's buffer to be read, and the room in it, where they are
+// known: stdio's own getc_unlocked() and putc_unlocked() take bytes from there, and
+// with a few bytes at a time calling it would cost more than all else.
+#ifdef __GLIBC__
+bool takeBuffered(FILE* file, void* to, std::size_t nbytes) {
+    if (nbytes > static_cast<std::size_t>(file->_IO_read_end - file->_IO_read_ptr)) return false;
+    std::memcpy(to, file->_IO_read_ptr, nbytes);
+    file->_IO_read_ptr += nbytes;
+    return true;
+}
+
+bool putBuffered(FILE* file, const void* from, std::size_t nbytes) {
+    if (file->_IO_write_ptr >= file->_IO_write_end ||
+        nbytes > static_cast<std::size_t>(file->_IO_write_end - file->_IO_write_ptr)) {
+        return false;
+    }
+    std::memcpy(file->_IO_write_ptr, from, nbytes);
+    file->_IO_write_ptr += nbytes;
+    return true;
+}
+#else
+bool takeBuffered(FILE*, void*, std::size_t) { return false; }
+bool putBuffered(FILE*, const void*, std::size_t) { return false; }
+#endif
+
 // The library is for one thread, so no call locks the file.
 template <class T> unsigned char get(FILE* file, T* to, unsigned n) {
-    return file && fread_unlocked(to, sizeof(T), n, file) == n;
+    if (!file) return 0;
+    return takeBuffered(file, to, sizeof(T) * std::size_t(n)) ||
+           fread_unlocked(to, sizeof(T), n, file) == n;
 }
 
 template <class T> unsigned char put(FILE* file, const T* from, unsigned n) {
-    return file && fwrite_unlocked(from, sizeof(T), n, file) == n;
+    if (!file) return 0;
+    return putBuffered(file, from, sizeof(T) * std::size_t(n)) ||
+           fwrite_unlocked(from, sizeof(T), n, file) == n;
 }
 
 } // namespace
@@ -60,13 +91,7 @@ unsigned char qzStdioStream::isWriting() { return type == qzST_Write || type == 
 
 qzStream::qzStreamType qzStdioStream::getType() { return type; }
 
-unsigned char qzStdioStream::getBytes(char* to, unsigned n) {
-    if (n != 1) return get(file, to, n);
-    const int c = file ? getc_unlocked(file) : EOF;
-    if (c == EOF) return 0;
-    *to = static_cast<char>(c);
-    return 1;
-}
+unsigned char qzStdioStream::getBytes(char* to, unsigned n) { return get(file, to, n); }
 
 unsigned char qzStdioStream::getShorts(short* to, unsigned n) { return get(file, to, n); }
 
@@ -89,10 +114,7 @@ unsigned char qzStdioStream::getFloats(float* to, unsigned n) { return get(file,
 
 unsigned char qzStdioStream::getDoubles(double* to, unsigned n) { return get(file, to, n); }
 
-unsigned char qzStdioStream::putBytes(const char* from, unsigned n) {
-    if (n != 1) return put(file, from, n);
-    return file && putc_unlocked(*from, file) != EOF;
-}
+unsigned char qzStdioStream::putBytes(const char* from, unsigned n) { return put(file, from, n); }
 
 unsigned char qzStdioStream::putShorts(const short* from, unsigned n) { return put(file, from, n); }
 
