@@ -62,8 +62,6 @@ void setPointer(void* member, void* address) { std::memcpy(member, &address, siz
 
 struct qzBinaryReader::Group {
     static const unsigned ids = 16;
-    // Keys of the object table look like addresses, whose last bits say nothing.
-    static unsigned keyOf(unsigned id) { return id / ids * 4; }
 
     Group* next;
     unsigned key;
@@ -139,17 +137,14 @@ qzTranscriber* makeBinaryReader(qzStream* stream, short testShort, long testLong
 // Ids
 
 qzBinaryReader::Known& qzBinaryReader::known(unsigned id) {
-    const unsigned key = Group::keyOf(id);
+    const unsigned key = id / Group::ids;
     if (!recent || recent->key != key) {
-        if (const unsigned long* group = table.lookup(key)) {
-            recent = reinterpret_cast<Group*>(*group);
-        } else {
-            recent = new Group();
-            recent->key = key;
-            recent->next = groups;
-            groups = recent;
-            table.set(key, reinterpret_cast<unsigned long>(recent));
+        unsigned long& group = table[key];
+        if (!group) {
+            groups = new Group{groups, key, {}};
+            group = reinterpret_cast<unsigned long>(groups);
         }
+        recent = reinterpret_cast<Group*>(group);
     }
     return recent->entries[id % Group::ids];
 }
@@ -442,7 +437,7 @@ unsigned char qzBinaryReader::xdr(qzTypeObj& type, void* whole, void* part) {
             qzFatal("XXX new base for old base");
         }
         learn(record.id, Known::AnObject, part);
-        parts.set(addressKey(part), record.id);
+        parts[addressKey(part)] = record.id;
         return type.xdr(part, *this);
     case KnownPart:
         if (!known(record.id).address) qzFatal("XXX old base previously unseen");

@@ -24,7 +24,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <vector>
+#include <deque>
 
 #include "xdr/BinaryReaderItem.h"
 #include "xdr/BinaryTranscriber.h"
@@ -113,7 +113,7 @@ class QZ_EXPORT qzBinaryReader : public qzBinaryTranscriber {
     Conversion longs;
     Conversion floats;
     Conversion doubles;
-    std::vector<qzBinaryReaderItem> work; // members that wait, used as a stack
+    std::deque<qzBinaryReaderItem> work; // members that wait, used as a stack
 
   private:
     // What an id stands for.
@@ -151,6 +151,7 @@ class QZ_EXPORT qzBinaryReader : public qzBinaryTranscriber {
     void store(const qzBinaryReaderItem& item, Known& target);
     void takeArray(const qzBinaryReaderItem& item, Known& array);
 
+    qzWordTable table;     // groups by their keys
     Group* groups;         // all, newest first
     Group* recent;         // where the last id was
     std::uint64_t came;    // bytes from the stream, at least

@@ -1,30 +1,6 @@
 #include "xdr/BinaryTranscriber.h"
 
-#include <unistd.h>
-
-#include <climits>
-#include <cstring>
-
 #include "util/Fatal.h"
-#include "util/detail/RawMemory.h"
-
-namespace {
-
-const unsigned wordBits = sizeof(unsigned long) * CHAR_BIT;
-
-// Any odd number is a multiplier.
-unsigned long randomMultiplier() {
-    unsigned long bits = 0x9e3779b9;
-    if (getentropy(&bits, sizeof bits) != 0) bits ^= reinterpret_cast<unsigned long>(&bits);
-    return bits | 1;
-}
-
-unsigned long processMultiplier() {
-    static const unsigned long multiplier = randomMultiplier();
-    return multiplier;
-}
-
-} // namespace
 
 qzBinaryTranscriber::qzBinaryTranscriber()
     : buffer(space + headerSize), cursor(buffer), capacity(qzBinaryRecord::maxData),
@@ -51,39 +27,3 @@ const qzBinaryTranscriber::Fields qzBinaryTranscriber::fieldsOfKinds[] = {
 };
 
 void qzBinaryTranscriber::noSuchRecord() { qzFatal("Whoops!"); }
-
-// The table
-
-qzBinaryTranscriber::Table::Table() : multiplier(processMultiplier()) { useFew(); }
-
-void qzBinaryTranscriber::Table::useFew() {
-    std::memset(few, 0, sizeof few);
-    slots = few;
-    mask = (1ul << fewBits) - 1;
-    shift = wordBits - fewBits;
-    used = 0;
-    limit = mask / 2;
-}
-
-void qzBinaryTranscriber::Table::clear() {
-    if (used == 0) return;
-    if (slots != few) qzRawFree(slots);
-    useFew();
-}
-
-// The order of the slots is that of the hashes' highest bits: entries go from
-// front to back into the larger block, nearly as they were.
-qzBinaryTranscriber::Table::Slot& qzBinaryTranscriber::Table::grownSlotFor(unsigned long key) {
-    Slot* const old = slots;
-    const unsigned long oldMask = mask;
-    mask = mask * 2 + 1;
-    shift -= 1;
-    limit = mask / 2;
-    slots = static_cast<Slot*>(qzRawTryZeroed((mask + 1) * sizeof(Slot)));
-    if (!slots) qzRawExhausted();
-    for (unsigned long i = 0; i <= oldMask; ++i) {
-        if (old[i].notKey) slotFor(~old[i].notKey) = old[i];
-    }
-    if (old != few) qzRawFree(old);
-    return slotFor(key);
-}

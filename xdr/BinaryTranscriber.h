@@ -1,76 +1,18 @@
 // qzBinaryTranscriber: what the binary writer and reader share: the data buffer
-// of the record at hand, its header and the object table.
+// of the record at hand and its header. Each has an object table of its own:
+// qzObjectIds, from addresses to ids, and qzBinaryReader's from ids to addresses.
 #ifndef QZ_XDR_BINARYTRANSCRIBER_H
 #define QZ_XDR_BINARYTRANSCRIBER_H
 
 #include "xdr/BinaryRecord.h"
 #include "xdr/Transcriber.h"
+#include "xdr/WordTable.h"
 
 class QZ_EXPORT qzBinaryTranscriber : public virtual qzTranscriber {
   public:
     ~qzBinaryTranscriber() override;
 
   protected:
-    // The object table, from words to words. It grows with its entries, so that
-    // the cost of an object does not grow with the graph, and has them in one
-    // block. They cannot be removed one by one.
-    //
-    // Open addressing with linear probing; slots by multiply-shift hashing
-    // (Dietzfelbinger et al. 1997) with a multiplier that differs from process to
-    // process, so that no stream can choose ids that collide.
-    class QZ_EXPORT Table {
-      public:
-        Table();
-        Table(const Table&) = delete;
-        Table& operator=(const Table&) = delete;
-        ~Table() { clear(); }
-
-        // The key's value, null when it is absent. Values move as keys are added.
-        unsigned long* lookup(unsigned long key) const {
-            Slot& slot = slotFor(key);
-            return slot.notKey ? &slot.value : nullptr;
-        }
-        // The value of the key, which is added with this one if it is absent.
-        struct Found {
-            unsigned long& value;
-            bool isNew;
-        };
-        Found findOrAdd(unsigned long key, unsigned long value) {
-            Slot* slot = &slotFor(key);
-            if (slot->notKey) return {slot->value, false};
-            if (++used > limit) slot = &grownSlotFor(key);
-            slot->notKey = ~key;
-            slot->value = value;
-            return {slot->value, true};
-        }
-        void set(unsigned long key, unsigned long value) { findOrAdd(key, value).value = value; }
-        void clear();
-
-      private:
-        struct Slot {
-            unsigned long notKey; // the key's complement: 0, which no key has, is a free slot
-            unsigned long value;
-        };
-        static const unsigned fewBits = 4; // of the number of slots that need no block
-
-        // Where the key is, or where it would go.
-        Slot& slotFor(unsigned long key) const {
-            for (unsigned long i = key * multiplier >> shift;; i = (i + 1) & mask) {
-                if (slots[i].notKey == ~key || !slots[i].notKey) return slots[i];
-            }
-        }
-        Slot& grownSlotFor(unsigned long key);
-        void useFew();
-
-        Slot few[1 << fewBits];
-        Slot* slots;
-        unsigned long mask; // slots - 1
-        unsigned shift;     // leaves the highest bits of a word, as many as the mask has
-        unsigned long used;
-        unsigned long limit; // of used
-        const unsigned long multiplier;
-    };
-
     // The record that is being put together or taken apart. A field keeps its
     // value from the record that last had it.
     struct Record {
@@ -107,9 +49,8 @@ class QZ_EXPORT qzBinaryTranscriber : public virtual qzTranscriber {
     char* cursor;      // next byte to write or read
     unsigned capacity; // of the buffer
     unsigned count;    // data bytes of the current record in the buffer
-    Table table;
     Record record;
-    Table parts; // ids by address of the parts of the object at hand
+    qzWordTable parts; // of the object at hand, by address
 };
 
 #endif

@@ -54,15 +54,15 @@ char* putTagBefore(char* place, unsigned kind, unsigned dataLength) {
 
 qzBinaryWriter::qzBinaryWriter(qzStream* newStream) : qzBinaryWriter(newStream, Standard) {}
 
-qzBinaryWriter::qzBinaryWriter(qzStream* newStream, Form form) : nextId(1), form(form) {
+qzBinaryWriter::qzBinaryWriter(qzStream* newStream, Form form) : form(form) {
     setStream(newStream);
-    table.set(addressKey(nullptr), 0);
+    ids.add(nullptr); // which is 0
 }
 
 qzBinaryWriter::~qzBinaryWriter() { qzBinaryWriter::reset(); }
 
 void qzBinaryWriter::reset() {
-    table.clear();
+    ids.clear();
     parts.clear();
     work.clear();
     begun.clear();
@@ -88,7 +88,7 @@ char* qzBinaryWriter::putHeaderBefore(char* data, unsigned dataLength) const {
 
 unsigned char qzBinaryWriter::flush() {
     if (record.kind == Continuation && count == 0) return 1;
-    if (form == Graph && nextId - 1 > lastGraphId) return 0;
+    if (form == Graph && ids.next() - 1 > lastGraphId) return 0;
     char* const header = putHeaderBefore(buffer, count);
     if (!stream->putBytes(header, static_cast<unsigned>(buffer - header) + count)) return 0;
     if (record.kind == TypeDefinition) { // which is put at once: it has no data
@@ -261,10 +261,9 @@ unsigned char qzBinaryWriter::xdr(unsigned char** text) {
 
 // Objects
 
-qzBinaryWriter::Meeting qzBinaryWriter::meet(const void* address) {
-    const Table::Found found = table.findOrAdd(addressKey(address), nextId);
-    if (found.isNew) return {nextId++, true, false};
-    const unsigned id = static_cast<unsigned>(found.value);
+qzBinaryWriter::Meeting qzBinaryWriter::meet(void* address) {
+    unsigned id;
+    if (!ids.find(address, id)) return {ids.add(address), true, false};
     return {id, false, form == Standard || hasBegun(id)};
 }
 
@@ -275,12 +274,10 @@ void qzBinaryWriter::markBegun(unsigned id) {
 }
 
 unsigned qzBinaryWriter::writeType(qzTypeObj& type) {
-    if (const unsigned long* known = table.lookup(addressKey(&type))) {
-        return static_cast<unsigned>(*known);
-    }
+    unsigned id;
+    if (ids.find(&type, id)) return id;
     if (!flush()) return 0;
-    const unsigned id = nextId++;
-    table.set(addressKey(&type), id);
+    id = ids.add(&type);
     record.kind = TypeDefinition;
     record.typeId = id;
     record.version = type.version;
@@ -304,49 +301,44 @@ unsigned char qzBinaryWriter::xdr(void* member, qzXDRObj* object, qzTypeObj&, qz
 unsigned char qzBinaryWriter::xdr(qzTypeObj& type, void* whole, void* part) {
     if (whole == part) return 1;
     if (!flush()) return 0;
-    const unsigned long* const known = table.lookup(addressKey(part));
-    if (known) record.id = static_cast<unsigned>(*known);
-    if (isPartOut(part, known)) {
+    const bool isKnown = ids.find(part, record.id);
+    if (isPartOut(part, isKnown)) {
         record.kind = KnownPart;
         return 1;
     }
     // In the graph form, what waits for a part's body gets it here, in place.
-    if (!known || hasBegun(record.id)) record.id = nextId++;
+    if (!isKnown || hasBegun(record.id)) record.id = ids.add(part);
     record.kind = NewPart;
-    table.set(addressKey(part), record.id);
     if (form == Graph) {
         markBegun(record.id);
-        parts.set(addressKey(part), record.id);
+        parts[addressKey(part)] = record.id;
     }
     return type.xdr(part, *this);
 }
 
 // A reader builds each object from its own records: in the graph form a part is
 // out when this object has put it, not when an earlier one did.
-bool qzBinaryWriter::isPartOut(const void* part, const unsigned long* known) const {
-    return form == Standard ? known != nullptr : parts.lookup(addressKey(part)) != nullptr;
+bool qzBinaryWriter::isPartOut(const void* part, bool isKnown) const {
+    return form == Standard ? isKnown : parts.lookup(addressKey(part)) != nullptr;
 }
 
 // A root always gets an id of its own, under which bodies of it go that still
 // wait from a graph that failed.
 void qzBinaryWriter::pushRoot(void* root, qzTypeObj& type) {
-    const unsigned id = nextId++;
-    const Table::Found found = table.findOrAdd(addressKey(root), id);
-    if (!found.isNew) {
-        found.value = id;
-        for (qzBinaryWriterItem& item : work) {
-            if (item.address == root) item.id = id;
-        }
+    const unsigned id = ids.add(root);
+    for (qzBinaryWriterItem& item : work) {
+        if (item.address == root) item.id = id;
     }
     work.emplace_back(root, id, type);
 }
 
 unsigned char qzBinaryWriter::writeObject(void* root, qzXDRObj* object) {
+    const unsigned ahead = 4; // bodies: each would have to be waited for
     pushRoot(root, object->getTypeObj());
     while (!work.empty()) {
         const qzBinaryWriterItem item = work.back();
         work.pop_back();
-        if (work.size() > 4) __builtin_prefetch(work[work.size() - 4].address);
+        if (work.size() > ahead) __builtin_prefetch((work.end() - ahead)->address);
         if (!writeItem(item) || !flush()) return 0;
     }
     return 1;

@@ -18,10 +18,12 @@
 #ifndef QZ_XDR_BINARYWRITER_H
 #define QZ_XDR_BINARYWRITER_H
 
+#include <deque>
 #include <vector>
 
 #include "xdr/BinaryTranscriber.h"
 #include "xdr/BinaryWriterItem.h"
+#include "xdr/ObjectIds.h"
 
 class QZ_EXPORT qzBinaryWriter : public qzBinaryTranscriber {
   public:
@@ -83,9 +85,9 @@ class QZ_EXPORT qzBinaryWriter : public qzBinaryTranscriber {
                              unsigned streamSize);
     unsigned char writeItem(const qzBinaryWriterItem& item);
 
-    unsigned nextId;
     const Form form;
-    std::vector<qzBinaryWriterItem> work; // bodies to be written, used as a stack
+    qzObjectIds ids;
+    std::deque<qzBinaryWriterItem> work; // bodies to be written, used as a stack
 
   private:
     // What the table has of an address, which it is given if it is new. isOut: it
@@ -95,13 +97,13 @@ class QZ_EXPORT qzBinaryWriter : public qzBinaryTranscriber {
         bool isNew;
         bool isOut;
     };
-    Meeting meet(const void* address);
+    Meeting meet(void* address);
     void pushRoot(void* root, qzTypeObj& type);
     bool hasBegun(unsigned id) const {
         return id / 32 < begun.size() && begun[id / 32] >> id % 32 & 1;
     }
     void markBegun(unsigned id);
-    bool isPartOut(const void* part, const unsigned long* known) const;
+    bool isPartOut(const void* part, bool isKnown) const;
 
     char* putHeaderBefore(char* data, unsigned dataLength) const;
     unsigned char writeValues(const void* values, unsigned n, unsigned size);
