@@ -51,17 +51,19 @@ def rows(label, benchmark, columns, *choices, target=None, peers=None):
 
 
 def transcription(dictionaries):
-    libraries, ways = "Qz|Boost|Cereal|Qt5", ["Write", "Read"]
-    return [*rows("{} array of {:,} ints", "BM_{}<*, IntArray>/{}", libraries, ways, [1000000]),
+    libraries, ways = "Qz|Boost|Cereal|Qt5|Stdio", ["Write", "Read"]
+    return [*rows("{} array of {:,} ints", "BM_{}<*, IntArray>/{}", libraries, ways, [1000000],
+                  target=1.1, peers="Stdio"),
             *rows("{} dictionary of {:,} pairs", "BM_{}<*, Dictionary>/{}", libraries, ways,
-                  dictionaries),
-            *rows("{} graph of {:,} nodes", "BM_{}<*, LinkedNodes>/{}", libraries, ways, [100000])]
+                  dictionaries, target=1),
+            *rows("{} graph of {:,} nodes", "BM_{}<*, LinkedNodes>/{}", libraries, ways, [100000],
+                  target=1)]
 
 
 KEYS = [1000, 100000]
 KINDS = ["literal", "anchored", "alternation", "classPlus", "word"]
 ENGINES = "ours|std|pcre2|re2"
-TRANSCRIBERS = "here|Boost.Serialization|cereal|QDataStream"
+TRANSCRIBERS = "here|Boost.Serialization|cereal|QDataStream|`fwrite`, `fread`"
 SENDERS = "Qz|Qt5|GLib|Boost|Sigc|Libevent"
 LOOPS = "Qz|LibeventSelect|LibeventOwn|Libuv|PlainSelect"
 TIMERS = "Qz|Libuv|Libevent"
@@ -143,7 +145,7 @@ def markdown(cell, heads, rows_of_table, runs):
     for label, names, target in rows_of_table:
         if ours := runs.get(names[0]):
             lines.append([label] + [name in runs and cell(runs[name], ours) for name in names] +
-                         verdict(names, target, runs))
+                         verdict(names, cell is ratio and target, runs))
     if len(lines) == 1:
         return ""
     lines = list(zip(*(column for column in zip(*lines) if any(column[1:]))))

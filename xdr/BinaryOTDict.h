@@ -1,7 +1,8 @@
-// qzBinaryOTDict: words by word; the object table of the binary transcribers.
+// qzBinaryOTDict: words by word, for transcribers that keep objects by address or
+// by id. See util/TypedDictionary.h; entries cannot be transcribed.
 //
-// A writer maps addresses to record ids with it, a reader the other way. See
-// util/TypedDictionary.h; entries cannot be transcribed.
+// The binary transcribers have tables of their own, which need not be walked:
+// qzObjectIds and qzWordTable.
 #ifndef QZ_XDR_BINARYOTDICT_H
 #define QZ_XDR_BINARYOTDICT_H
 

@@ -343,6 +343,22 @@ struct Qt5 {
     }
 };
 
+// The elements in one call, and nothing that tells how many they are.
+struct Stdio {
+    using Ints = std::vector<int>;
+    static void write(const char* path, const Ints& ints) {
+        FILE* const file = std::fopen(path, "wb");
+        std::fwrite(ints.data(), sizeof(int), ints.size(), file);
+        std::fclose(file);
+    }
+    static void read(const char* path, std::unique_ptr<Ints>& ints) {
+        ints.reset(new Ints(1000000));
+        FILE* const file = std::fopen(path, "rb");
+        ints->resize(std::fread(ints->data(), sizeof(int), ints->size(), file));
+        std::fclose(file);
+    }
+};
+
 // The workloads
 
 template <class Library> struct IntArray {
@@ -468,6 +484,8 @@ void graph(benchmark::internal::Benchmark* b) { b->Arg(100000); }
     BENCHMARK_TEMPLATE(BM_Read, Qt5, Workload)->Apply(sizes)
 
 BENCHMARK_LIBRARIES(IntArray, array);
+BENCHMARK_TEMPLATE(BM_Write, Stdio, IntArray)->Apply(array);
+BENCHMARK_TEMPLATE(BM_Read, Stdio, IntArray)->Apply(array);
 BENCHMARK_LIBRARIES(Dictionary, dictionary);
 BENCHMARK_LIBRARIES(LinkedNodes, graph);
 BENCHMARK_TEMPLATE(BM_Write, Qz, DefaultChains)->Apply(small);
