@@ -60,17 +60,9 @@ void setPointer(void* member, void* address) { std::memcpy(member, &address, siz
 
 } // namespace
 
-struct qzBinaryReader::Group {
-    static const unsigned ids = 16;
-
-    Group* next;
-    unsigned key;
-    Known entries[ids];
-};
-
 qzBinaryReader::qzBinaryReader(qzStream* newStream, short testShort, long testLong,
                                const char* floatFormat)
-    : floats(plain), doubles(plain), groups(nullptr), recent(nullptr), came(0), claimed(0) {
+    : floats(plain), doubles(plain), strays(nullptr), came(0), claimed(0) {
     const unsigned longOrder = static_cast<unsigned>(testLong);
     switch (static_cast<unsigned short>(testShort)) {
     case 0x1122:
@@ -113,13 +105,15 @@ qzBinaryReader::qzBinaryReader(qzStream* newStream, short testShort, long testLo
 qzBinaryReader::~qzBinaryReader() { qzBinaryReader::reset(); }
 
 void qzBinaryReader::reset() {
-    table.clear();
-    parts.clear();
-    while (Group* const group = groups) {
-        groups = group->next;
-        delete group;
+    for (unsigned i = 0; i < chunks.length(); ++i)
+        qzRawFree(chunks[i]);
+    chunks.resize(0);
+    while (Stray* const stray = strays) {
+        strays = stray->next;
+        delete stray;
     }
-    recent = nullptr;
+    strayTable.clear();
+    parts.clear();
     work.clear();
 }
 
@@ -136,17 +130,28 @@ qzTranscriber* makeBinaryReader(qzStream* stream, short testShort, long testLong
 
 // Ids
 
-qzBinaryReader::Known& qzBinaryReader::known(unsigned id) {
-    const unsigned key = id / Group::ids;
-    if (!recent || recent->key != key) {
-        unsigned long& group = table[key];
-        if (!group) {
-            groups = new Group{groups, key, {}};
-            group = reinterpret_cast<unsigned long>(groups);
-        }
-        recent = reinterpret_cast<Group*>(group);
+// Writers count, and no id is told of in less than eight bytes.
+qzBinaryReader::Known& qzBinaryReader::farKnown(unsigned id) {
+    while (chunks.length() * chunkIds <= came / 8) {
+        addChunk();
+        if (id / chunkIds < chunks.length()) return known(id);
     }
-    return recent->entries[id % Group::ids];
+    unsigned long& stray = strayTable[id];
+    if (!stray) {
+        strays = new Stray{strays, {}};
+        stray = reinterpret_cast<unsigned long>(strays);
+    }
+    return reinterpret_cast<Stray*>(stray)->known;
+}
+
+void qzBinaryReader::addChunk() {
+    Known* const chunk = static_cast<Known*>(qzRawAlloc(chunkIds * sizeof(Known)));
+    const unsigned first = chunks.length() * chunkIds;
+    for (unsigned i = 0; i < chunkIds; ++i) {
+        const unsigned long* const stray = strays ? strayTable.lookup(first + i) : nullptr;
+        new (chunk + i) Known(stray ? reinterpret_cast<Stray*>(*stray)->known : Known());
+    }
+    chunks.append(chunk);
 }
 
 qzBinaryReader::Known& qzBinaryReader::learn(unsigned id, Known::What what, void* address) {
@@ -171,12 +176,13 @@ unsigned char qzBinaryReader::readHeader(unsigned& length) {
     const Fields& fields = fieldsOf(record.kind);
     const unsigned nheader = nlength + fieldBytes(record.kind, fields.count);
     if (nheader && !stream->getBytes(header, nheader)) return 0;
+    came += 1 + nheader;
     for (unsigned i = 0; i < fields.count; ++i)
         record.*fields.at[i] = leastFirst<4>(header + nlength + 4 * i);
     if (record.kind == TypeDefinition && !defineType()) return 0;
     length = dataLength(header, nlength);
     if (length > maxData) qzFatal("format error");
-    came += 1 + nheader + length;
+    came += length;
     return 1;
 }
 

@@ -26,6 +26,7 @@
 #include <cstdint>
 #include <deque>
 
+#include "util/VoidPtrArray.h"
 #include "xdr/BinaryReaderItem.h"
 #include "xdr/BinaryTranscriber.h"
 
@@ -126,10 +127,20 @@ class QZ_EXPORT qzBinaryReader : public qzBinaryTranscriber {
         bool shared; // array that a member has which is not a string's
         bool owned;  // array that a string has
     };
-    // Ids are dense, so that neighbours share an entry of the table.
-    struct Group;
+    // One whose id is greater than the bytes that came can have told of; a broken
+    // stream may have any.
+    struct Stray {
+        Stray* next;
+        Known known;
+    };
 
-    Known& known(unsigned id);
+    Known& known(unsigned id) {
+        const unsigned chunk = id / chunkIds;
+        if (chunk >= chunks.length()) return farKnown(id);
+        return static_cast<Known*>(chunks[chunk])[id % chunkIds];
+    }
+    Known& farKnown(unsigned id);
+    void addChunk();
     Known& learn(unsigned id, Known::What what, void* address);
 
     unsigned char defineType();
@@ -151,11 +162,12 @@ class QZ_EXPORT qzBinaryReader : public qzBinaryTranscriber {
     void store(const qzBinaryReaderItem& item, Known& target);
     void takeArray(const qzBinaryReaderItem& item, Known& array);
 
-    qzWordTable table;     // groups by their keys
-    Group* groups;         // all, newest first
-    Group* recent;         // where the last id was
-    std::uint64_t came;    // bytes from the stream, at least
-    std::uint64_t claimed; // bytes that were granted
+    static const unsigned chunkIds = 128;
+    qzVoidPtrArray chunks;  // of Known, by id
+    qzWordTable strayTable; // by id
+    Stray* strays;          // all, newest first
+    std::uint64_t came;     // bytes from the stream, at least
+    std::uint64_t claimed;  // bytes that were granted
 };
 
 // What qzTranscriber::addTranscriber() is given for "qzBinaryWriter".
