@@ -116,6 +116,7 @@ unsigned char qzBinaryWriter::writeBytes(const void* bytes, unsigned n) {
         } else {
             const unsigned piece = capacity - count;
             std::memcpy(cursor, from, piece);
+            cursor += piece;
             count = capacity;
             from += piece;
             n -= piece;
