@@ -62,7 +62,8 @@ void setPointer(void* member, void* address) { std::memcpy(member, &address, siz
 
 qzBinaryReader::qzBinaryReader(qzStream* newStream, short testShort, long testLong,
                                const char* floatFormat)
-    : floats(plain), doubles(plain), strays(nullptr), came(0), claimed(0) {
+    : floats(plain), doubles(plain), firstId(0), strays(nullptr), came(0), cameBefore(0),
+      claimed(0) {
     const unsigned longOrder = static_cast<unsigned>(testLong);
     switch (static_cast<unsigned short>(testShort)) {
     case 0x1122:
@@ -113,6 +114,7 @@ void qzBinaryReader::reset() {
         delete stray;
     }
     strayTable.clear();
+    cameBefore = came;
     parts.clear();
     work.clear();
 }
@@ -130,26 +132,30 @@ qzTranscriber* makeBinaryReader(qzStream* stream, short testShort, long testLong
 
 // Ids
 
-// Writers count, and no id is told of in less than eight bytes.
+// Writers count, and it takes some eight bytes to tell of an id. After a reset they
+// go on from where they were.
 qzBinaryReader::Known& qzBinaryReader::farKnown(unsigned id) {
-    while (chunks.length() * chunkIds <= came / 8) {
-        addChunk();
-        if (id / chunkIds < chunks.length()) return known(id);
+    if (chunks.length() == 0) firstId = id - id % chunkIds;
+    const unsigned chunk = (id - firstId) / chunkIds;
+    if (chunk <= (came - cameBefore) / 8 / chunkIds) {
+        while (chunk >= chunks.length())
+            addChunk();
+        return known(id);
     }
-    unsigned long& stray = strayTable[id];
+    Stray* stray = reinterpret_cast<Stray*>(strayTable.lookup(id));
     if (!stray) {
-        strays = new Stray{strays, {}};
-        stray = reinterpret_cast<unsigned long>(strays);
+        stray = strays = new Stray{strays, {}};
+        strayTable.set(id, reinterpret_cast<unsigned long>(stray));
     }
-    return reinterpret_cast<Stray*>(stray)->known;
+    return stray->known;
 }
 
 void qzBinaryReader::addChunk() {
     Known* const chunk = static_cast<Known*>(qzRawAlloc(chunkIds * sizeof(Known)));
-    const unsigned first = chunks.length() * chunkIds;
+    const unsigned first = firstId + chunks.length() * chunkIds;
     for (unsigned i = 0; i < chunkIds; ++i) {
-        const unsigned long* const stray = strays ? strayTable.lookup(first + i) : nullptr;
-        new (chunk + i) Known(stray ? reinterpret_cast<Stray*>(*stray)->known : Known());
+        const Stray* const stray = reinterpret_cast<Stray*>(strayTable.lookup(first + i));
+        new (chunk + i) Known(stray ? stray->known : Known());
     }
     chunks.append(chunk);
 }
@@ -173,9 +179,11 @@ unsigned char qzBinaryReader::readHeader(unsigned& length) {
     record.kind = tag & kindBits;
     const unsigned lengthClass = static_cast<unsigned char>(tag) >> 6;
     const unsigned nlength = lengthClass == 3 ? 4 : lengthClass;
-    const Fields& fields = fieldsOf(record.kind);
-    const unsigned nheader = nlength + fieldBytes(record.kind, fields.count);
+    const bool exists = record.kind <= LastUsedKind;
+    const unsigned nheader =
+        nlength + (exists ? fieldBytes(record.kind, fieldsOf(record.kind).count) : 0);
     if (nheader && !stream->getBytes(header, nheader)) return 0;
+    const Fields& fields = fieldsOf(record.kind);
     came += 1 + nheader;
     for (unsigned i = 0; i < fields.count; ++i)
         record.*fields.at[i] = leastFirst<4>(header + nlength + 4 * i);
@@ -231,6 +239,7 @@ unsigned char qzBinaryReader::readBytes(char* to, unsigned nbytes) {
     }
     while (nbytes > left) {
         qzRawMove(to, cursor, left);
+        cursor += left;
         to += left;
         nbytes -= left;
         unsigned length;
@@ -259,7 +268,7 @@ unsigned char qzBinaryReader::plain(qzBinaryReader& reader, char* to, unsigned n
 template <unsigned Unit, unsigned Mask>
 unsigned char qzBinaryReader::swapped(qzBinaryReader& reader, char* to, unsigned nbytes) {
     if (!reader.readBytes(to, nbytes)) return 0;
-    for (unsigned i = 0; i + Unit <= nbytes; i += Unit) {
+    for (unsigned i = 0; nbytes - i >= Unit; i += Unit) {
         for (unsigned byte = 0; byte < Unit; ++byte) {
             if (byte < (byte ^ Mask)) std::swap(to[i + byte], to[i + (byte ^ Mask)]);
         }
@@ -443,7 +452,7 @@ unsigned char qzBinaryReader::xdr(qzTypeObj& type, void* whole, void* part) {
             qzFatal("XXX new base for old base");
         }
         learn(record.id, Known::AnObject, part);
-        parts[addressKey(part)] = record.id;
+        parts.set(addressKey(part), 1);
         return type.xdr(part, *this);
     case KnownPart:
         if (!known(record.id).address) qzFatal("XXX old base previously unseen");

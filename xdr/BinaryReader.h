@@ -127,17 +127,17 @@ class QZ_EXPORT qzBinaryReader : public qzBinaryTranscriber {
         bool shared; // array that a member has which is not a string's
         bool owned;  // array that a string has
     };
-    // One whose id is greater than the bytes that came can have told of; a broken
-    // stream may have any.
+    // One whose id does not lie among those that the bytes since the last reset can
+    // have told of; a broken stream may have any.
     struct Stray {
         Stray* next;
         Known known;
     };
 
     Known& known(unsigned id) {
-        const unsigned chunk = id / chunkIds;
-        if (chunk >= chunks.length()) return farKnown(id);
-        return static_cast<Known*>(chunks[chunk])[id % chunkIds];
+        const unsigned place = id - firstId;
+        if (place / chunkIds >= chunks.length()) return farKnown(id);
+        return static_cast<Known*>(chunks[place / chunkIds])[place % chunkIds];
     }
     Known& farKnown(unsigned id);
     void addChunk();
@@ -163,11 +163,13 @@ class QZ_EXPORT qzBinaryReader : public qzBinaryTranscriber {
     void takeArray(const qzBinaryReaderItem& item, Known& array);
 
     static const unsigned chunkIds = 128;
-    qzVoidPtrArray chunks;  // of Known, by id
-    qzWordTable strayTable; // by id
-    Stray* strays;          // all, newest first
-    std::uint64_t came;     // bytes from the stream, at least
-    std::uint64_t claimed;  // bytes that were granted
+    qzVoidPtrArray chunks; // of Known, from the first id on
+    unsigned firstId;
+    qzWordTable strayTable;   // by id
+    Stray* strays;            // all, newest first
+    std::uint64_t came;       // bytes from the stream, at least
+    std::uint64_t cameBefore; // the last reset
+    std::uint64_t claimed;    // bytes that were granted
 };
 
 // What qzTranscriber::addTranscriber() is given for "qzBinaryWriter".

@@ -32,9 +32,11 @@ const unsigned maxName = 65536; // bytes with the NUL; no name is anywhere near
 
 inline bool isArrayBody(unsigned kind) { return kind >= FirstArrayBody && kind <= LastArrayBody; }
 inline bool isBody(unsigned kind) { return isArrayBody(kind) || kind == ObjectBody; }
-// Pointers to what has been met and parts, behind whose field there may be a
-// second one that is 0.
-inline bool isReference(unsigned kind) { return kind == KnownArray || kind > ObjectBody; }
+// Pointers to objects and to arrays met before, and parts: behind their field there
+// may be a second one, which is 0.
+inline bool isReference(unsigned kind) {
+    return kind == KnownArray || (kind >= NewObject && kind <= KnownPart);
+}
 
 // What an element of an array body takes in a stream, bytes.
 inline unsigned elementSize(unsigned tag) {

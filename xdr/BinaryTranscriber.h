@@ -19,7 +19,7 @@ class QZ_EXPORT qzBinaryTranscriber : public virtual qzTranscriber {
         unsigned kind;    // of qzBinaryRecord::Kind
         unsigned id;      // of the object, array or part
         unsigned typeId;  // of the object's type, or the type defined
-        unsigned version; // of the type last defined
+        unsigned version; // of the object, or of the type last defined
         unsigned length;  // of an array in the stream, bytes
         const char* name; // of the type being defined
     };

@@ -31,7 +31,7 @@ using namespace qzBinaryRecord;
 
 namespace {
 
-// The graph form ends here.
+// The graph form ends here, where no reader could hold what it reads.
 const unsigned lastGraphId = 0x7fffffff;
 
 // Least significant byte first, in front of the place; returns where it begins.
@@ -86,11 +86,15 @@ char* qzBinaryWriter::putHeaderBefore(char* data, unsigned dataLength) const {
     return putTagBefore(at, record.kind, dataLength);
 }
 
+unsigned char qzBinaryWriter::putRecords(const char* bytes, std::size_t nbytes) {
+    if (form == Graph && ids.next() - 1 > lastGraphId) return 0;
+    return stream->putBytes(bytes, static_cast<unsigned>(nbytes));
+}
+
 unsigned char qzBinaryWriter::flush() {
     if (record.kind == Continuation && count == 0) return 1;
-    if (form == Graph && ids.next() - 1 > lastGraphId) return 0;
     char* const header = putHeaderBefore(buffer, count);
-    if (!stream->putBytes(header, static_cast<unsigned>(buffer - header) + count)) return 0;
+    if (!putRecords(header, buffer + count - header)) return 0;
     if (record.kind == TypeDefinition) { // which is put at once: it has no data
         if (!stream->putBytes(record.name, static_cast<unsigned>(std::strlen(record.name)) + 1)) {
             return 0;
@@ -110,18 +114,19 @@ unsigned char qzBinaryWriter::writeBytes(const void* bytes, unsigned n) {
         return 1;
     }
     const char* from = static_cast<const char*>(bytes);
-    while (n >= capacity - count) {
-        if (count == 0 && n >= 2 * capacity) {
-            if (!writeFullRecords(from, n)) return 0;
+    while (n > 0 && n >= capacity - count) {
+        const bool isMuch = count == 0 && n >= 2 * capacity;
+        const unsigned piece = isMuch ? n / capacity * capacity : capacity - count;
+        if (isMuch) {
+            if (!writeFullRecords(from, piece)) return 0;
         } else {
-            const unsigned piece = capacity - count;
             std::memcpy(cursor, from, piece);
             cursor += piece;
             count = capacity;
-            from += piece;
-            n -= piece;
             if (!flush()) return 0;
         }
+        from += piece;
+        n -= piece;
     }
     qzRawMove(cursor, from, n);
     cursor += n;
@@ -129,14 +134,15 @@ unsigned char qzBinaryWriter::writeBytes(const void* bytes, unsigned n) {
     return 1;
 }
 
-// As many bytes as fill records, put together many records at a time: a stream
-// call for each costs as much as copying it.
-unsigned char qzBinaryWriter::writeFullRecords(const char*& from, unsigned& n) {
+// Bytes that fill records, of which many are put together: a stream call for each
+// costs as much as copying it.
+unsigned char qzBinaryWriter::writeFullRecords(const char* from, unsigned n) {
     const unsigned together = 32;
     char records[together * (headerSize + maxData)];
-    while (n >= capacity) {
+    while (n > 0) {
+        const unsigned kind = record.kind;
         char* end = records;
-        for (unsigned i = 0; i < together && n >= capacity; ++i) {
+        for (unsigned i = 0; i < together && n > 0; ++i) {
             char* const begin = putHeaderBefore(buffer, capacity);
             std::memcpy(end, begin, buffer - begin);
             end += buffer - begin;
@@ -146,7 +152,10 @@ unsigned char qzBinaryWriter::writeFullRecords(const char*& from, unsigned& n) {
             n -= capacity;
             record.kind = Continuation;
         }
-        if (!stream->putBytes(records, static_cast<unsigned>(end - records))) return 0;
+        if (!putRecords(records, end - records)) {
+            record.kind = kind;
+            return 0;
+        }
     }
     return 1;
 }
@@ -268,10 +277,16 @@ qzBinaryWriter::Meeting qzBinaryWriter::meet(void* address) {
     return {id, false, form == Standard || hasBegun(id)};
 }
 
+bool qzBinaryWriter::hasBegun(unsigned id) const {
+    const unsigned bit = id - ids.oldest();
+    return bit / 32 < begun.size() && begun[bit / 32] >> bit % 32 & 1;
+}
+
 void qzBinaryWriter::markBegun(unsigned id) {
-    const std::size_t word = id / 32;
+    const unsigned bit = id - ids.oldest();
+    const std::size_t word = bit / 32;
     if (word >= begun.size()) begun.resize(word + word / 2 + 1);
-    begun[word] |= 1u << id % 32;
+    begun[word] |= 1u << bit % 32;
 }
 
 unsigned qzBinaryWriter::writeType(qzTypeObj& type) {
@@ -312,7 +327,7 @@ unsigned char qzBinaryWriter::xdr(qzTypeObj& type, void* whole, void* part) {
     record.kind = NewPart;
     if (form == Graph) {
         markBegun(record.id);
-        parts[addressKey(part)] = record.id;
+        parts.set(addressKey(part), 1);
     }
     return type.xdr(part, *this);
 }
@@ -320,7 +335,7 @@ unsigned char qzBinaryWriter::xdr(qzTypeObj& type, void* whole, void* part) {
 // A reader builds each object from its own records: in the graph form a part is
 // out when this object has put it, not when an earlier one did.
 bool qzBinaryWriter::isPartOut(const void* part, bool isKnown) const {
-    return form == Standard ? isKnown : parts.lookup(addressKey(part)) != nullptr;
+    return form == Standard ? isKnown : parts.lookup(addressKey(part)) != 0;
 }
 
 // A root always gets an id of its own, under which bodies of it go that still

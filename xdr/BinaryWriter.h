@@ -99,20 +99,20 @@ class QZ_EXPORT qzBinaryWriter : public qzBinaryTranscriber {
     };
     Meeting meet(void* address);
     void pushRoot(void* root, qzTypeObj& type);
-    bool hasBegun(unsigned id) const {
-        return id / 32 < begun.size() && begun[id / 32] >> id % 32 & 1;
-    }
+    bool hasBegun(unsigned id) const;
     void markBegun(unsigned id);
     bool isPartOut(const void* part, bool isKnown) const;
 
     char* putHeaderBefore(char* data, unsigned dataLength) const;
+    unsigned char putRecords(const char* bytes, std::size_t nbytes);
     unsigned char writeValues(const void* values, unsigned n, unsigned size);
     unsigned char writeObjectItem(const qzBinaryWriterItem& item);
     unsigned char writeArrayItem(const qzBinaryWriterItem& item);
-    unsigned char writeFullRecords(const char*& from, unsigned& n);
+    unsigned char writeFullRecords(const char* from, unsigned n);
     template <class Long> unsigned char writeLongs(const Long* values, unsigned n);
 
-    std::vector<unsigned> begun; // in the graph form, a bit for each id: whether the body has
+    // In the graph form, a bit for each id from the oldest on: whether the body has.
+    std::vector<unsigned> begun;
 };
 
 #endif

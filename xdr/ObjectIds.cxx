@@ -14,19 +14,20 @@ void qzObjectIds::clear() {
 }
 
 void qzObjectIds::takePage(std::uintptr_t key) {
-    unsigned long& page = pageTable[key];
-    if (!page) {
-        pages = new Page{pages, {}};
-        page = reinterpret_cast<unsigned long>(pages);
+    recent = reinterpret_cast<Page*>(pageTable.lookup(key));
+    if (!recent) {
+        recent = pages = new Page{pages, {}};
+        pageTable.set(key, reinterpret_cast<unsigned long>(recent));
     }
-    recent = reinterpret_cast<Page*>(page);
     recentKey = key;
 }
 
 bool qzObjectIds::findMet(const void* address, unsigned& id) {
-    for (const unsigned length = addresses.length(); indexed < length; ++indexed)
-        index[number(addresses[indexed])] = first + indexed;
-    const unsigned long* const known = index.lookup(number(address));
-    if (known) id = static_cast<unsigned>(*known);
-    return known;
+    while (indexed < addresses.length()) {
+        const void* const met = addresses[indexed];
+        index.set(number(met), ++indexed);
+    }
+    const unsigned long place = index.lookup(number(address));
+    if (place) id = first + static_cast<unsigned>(place) - 1;
+    return place;
 }

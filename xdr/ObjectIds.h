@@ -6,7 +6,7 @@
 // tells which may have been met. Only when one has, a hash table is made of them.
 //
 // Cost: a word an address, and 512 bytes for each 64 kB of memory that has any;
-// four words and a search more from when an address is met again.
+// four to eight words and a search more from when one may have been met again.
 #ifndef QZ_XDR_OBJECTIDS_H
 #define QZ_XDR_OBJECTIDS_H
 
@@ -32,6 +32,8 @@ class QZ_EXPORT qzObjectIds {
         addresses.append(address);
         return next() - 1;
     }
+    // The id of the oldest address, and of the next.
+    unsigned oldest() const { return first; }
     unsigned next() const { return first + addresses.length(); }
     // Forgets the addresses; ids go on rising.
     void clear();
@@ -61,7 +63,7 @@ class QZ_EXPORT qzObjectIds {
     Page* recent;
     std::uintptr_t recentKey;
     qzWordTable pageTable;
-    qzWordTable index; // ids by address
+    qzWordTable index; // places among the addresses, from 1, by address
     unsigned indexed;  // addresses that are in there
 };
 

@@ -3,8 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <cstring>
-
+#include "util/detail/RawMemory.h"
 #include "xdr/StreamModes.h"
 
 namespace {
@@ -23,10 +22,10 @@ FILE* wrap(int fd, qzStream::qzStreamType type) {
 // What is in the file's buffer to be read, and the room in it, where they are
 // known: stdio's own getc_unlocked() and putc_unlocked() take bytes from there, and
 // with a few bytes at a time calling it would cost more than all else.
-#ifdef __GLIBC__
+#if defined(__GLIBC__) && !defined(__UCLIBC__)
 bool takeBuffered(FILE* file, void* to, std::size_t nbytes) {
     if (nbytes > static_cast<std::size_t>(file->_IO_read_end - file->_IO_read_ptr)) return false;
-    std::memcpy(to, file->_IO_read_ptr, nbytes);
+    qzRawMove(to, file->_IO_read_ptr, nbytes);
     file->_IO_read_ptr += nbytes;
     return true;
 }
@@ -36,7 +35,7 @@ bool putBuffered(FILE* file, const void* from, std::size_t nbytes) {
         nbytes > static_cast<std::size_t>(file->_IO_write_end - file->_IO_write_ptr)) {
         return false;
     }
-    std::memcpy(file->_IO_write_ptr, from, nbytes);
+    qzRawMove(file->_IO_write_ptr, from, nbytes);
     file->_IO_write_ptr += nbytes;
     return true;
 }

@@ -51,7 +51,7 @@ qzWordTable::Slot& qzWordTable::grownSlotFor(unsigned long key) {
     slots = static_cast<Slot*>(qzRawTryZeroed((mask + 1) * sizeof(Slot)));
     if (!slots) qzRawExhausted();
     for (unsigned long i = 0; i <= oldMask; ++i) {
-        if (old[i].notKey) slotFor(~old[i].notKey) = old[i];
+        if (old[i].value) slotFor(old[i].key) = old[i];
     }
     if (old != few) qzRawFree(old);
     return slotFor(key);

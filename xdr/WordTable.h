@@ -1,5 +1,5 @@
-// qzWordTable: a hash table from words to words, in one block. Keys cannot be
-// removed one by one.
+// qzWordTable: a hash table from words to words other than 0, in one block. Keys
+// cannot be removed one by one.
 //
 // Open addressing with linear probing; slots by multiply-shift hashing
 // (Dietzfelbinger et al. 1997) with a multiplier that differs from process to
@@ -8,6 +8,8 @@
 // Cost: constant; a table of up to 7 keys takes no block.
 #ifndef QZ_XDR_WORDTABLE_H
 #define QZ_XDR_WORDTABLE_H
+
+#include <cassert>
 
 #include "util/Export.h"
 
@@ -18,36 +20,31 @@ class QZ_EXPORT qzWordTable {
     qzWordTable& operator=(const qzWordTable&) = delete;
     ~qzWordTable() { clear(); }
 
-    // The key's value, null when it is absent. Values move as keys are added. The
-    // largest word is no key.
-    unsigned long* lookup(unsigned long key) const {
-        Slot& slot = slotFor(key);
-        return slot.notKey ? &slot.value : nullptr;
-    }
-    // The key's value; an absent key is added with 0.
-    unsigned long& operator[](unsigned long key) {
+    // The key's value, 0 when it is absent.
+    unsigned long lookup(unsigned long key) const { return slotFor(key).value; }
+    // Adds the key, or replaces its value.
+    void set(unsigned long key, unsigned long value) {
+        assert(value);
         Slot* slot = &slotFor(key);
-        if (!slot->notKey) {
-            if (++used > mask / 2) slot = &grownSlotFor(key);
-            slot->notKey = ~key;
-        }
-        return slot->value;
+        if (!slot->value && ++used > mask / 2) slot = &grownSlotFor(key);
+        *slot = {key, value};
     }
     void clear();
 
   private:
     struct Slot {
-        unsigned long notKey; // the key's complement; 0 is a free slot
-        unsigned long value;
+        unsigned long key;
+        unsigned long value; // 0 in a free slot
     };
     static const unsigned fewBits = 4; // of the number of slots that need no block
 
     static unsigned long processMultiplier();
     // Where the key is, or where it would go.
     Slot& slotFor(unsigned long key) const {
-        for (unsigned long i = key * multiplier >> shift;; i = (i + 1) & mask) {
-            if (slots[i].notKey == ~key || !slots[i].notKey) return slots[i];
-        }
+        unsigned long i = key * multiplier >> shift;
+        while (slots[i].value && slots[i].key != key)
+            i = (i + 1) & mask;
+        return slots[i];
     }
     Slot& grownSlotFor(unsigned long key);
     void useFew();

@@ -52,6 +52,7 @@ TEST(qzStdioStream, ValuesTravelAsTheirMemoryWithLongsOfFourBytes) {
                   std::string("\0\0\0\x3f\0\0\0\0\0\0\xd0\x3f", 12));
 
     qzStdioStream in(file.path, qzStream::qzST_Read);
+    EXPECT_TRUE(in.getBytes(nullptr, 0));
     char bytes[4] = "";
     shorts[1] = i = 0;
     longs[0] = longs[1] = 0;
