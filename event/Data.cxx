@@ -17,13 +17,11 @@ static_assert(sizeof(void*) != 4 || (sizeof(qzIntData) == 16 && sizeof(qzDoubleD
                                      sizeof(qzStrArrayData) == 36),
               "one value behind the count and the type");
 
-qzBlockPool::List qzBlockPool::lists[];
-
 qzData::~qzData() = default;
 
-void* qzData::operator new(std::size_t bytes) { return qzBlockPool::take(bytes); }
+void* qzData::operator new(std::size_t bytes) { return qzBlockPool<qzData>::take(bytes); }
 void qzData::operator delete(void* block, std::size_t bytes) {
-    qzBlockPool::giveBack(block, bytes);
+    qzBlockPool<qzData>::giveBack(block, bytes);
 }
 
 qzVoidData::qzVoidData() : qzData(qzDT_void) {}

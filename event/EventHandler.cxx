@@ -1,8 +1,8 @@
 // What makes it safe to call receivers and destructors from here:
 //
-// (1) A fan-out is a qzFanOut, which the channel keeps right; the entry whose
-//     turn it is and the data are held, and each entry is asked whether it still
-//     stands after everything that may have called back.
+// (1) A fan-out is a qzFanOut, which the channel keeps right and which keeps the
+//     entry whose turn it is; the data is held, and each entry is asked whether it
+//     still stands after everything that may have called back.
 // (2) An event leaves the queue before it is delivered or destroyed, and its
 //     channel forgets it as pending before it is destroyed.
 // (3) A purge takes out all its events, into a qzDoomedEvents, before the first
@@ -19,7 +19,7 @@
 #include "event/MessageEvent.h"
 #include "event/detail/DoomedEvents.h"
 #include "event/detail/EventInFlight.h"
-#include "event/detail/FanOut.h"
+#include "event/detail/ImmediateSend.h"
 
 qzEventHandler* qz_theEventHandler = nullptr;
 
@@ -38,8 +38,13 @@ void qzEventHandler::postMessage(qzOutputChannel* output, qzData* data, qzObj::q
     if (!data) return;
     const unsigned before = data->references();
     data->addRef();
-    for (qzFanOut fanOut(*output); fanOut.notDone(); fanOut.advance())
-        sendTo(fanOut, data, how);
+    if (how == qzObj::qzSF_Immediate) {
+        qzDeliverNow(*this, *output, [data](qzInputChannel::Function function, void* object) {
+            data->deliverTo(function, object);
+        });
+    } else {
+        post(*output, data, how);
+    }
     if (data->references() - 1 > before) {
         data->delRef();
     } else {
@@ -47,28 +52,21 @@ void qzEventHandler::postMessage(qzOutputChannel* output, qzData* data, qzObj::q
     }
 }
 
-// One connection's share. The entry is held: superseding and delivering may
-// take the connection away.
-void qzEventHandler::sendTo(const qzFanOut& fanOut, qzData* data, qzObj::qzSendFlags how) {
-    qzInputChannel* const entry = fanOut.entry();
-    entry->addRef();
-    if (entry->coalesces()) supersedePending(entry, how);
-    if (fanOut.stands()) {
-        if (how == qzObj::qzSF_Immediate) {
-            data->deliverTo(entry->getFunction(), entry->getObject());
-        } else if (how == qzObj::qzSF_Queued || how == qzObj::qzSF_Urgent) {
-            postTo(entry, data, how);
-        }
-    }
-    entry->delRef();
+void qzEventHandler::post(const qzOutputChannel& output, qzData* data, qzObj::qzSendFlags how) {
+    const bool known = how == qzObj::qzSF_Queued || how == qzObj::qzSF_Urgent;
+    qzFanOut fanOut(output);
+    fanOut.forEach([&](qzInputChannel* entry) {
+        if (entry->coalesces()) qzSupersedePending(*this, entry, how);
+        if (known && fanOut.stands()) postTo(entry, data, how);
+    });
 }
 
 // A message that the destruction of the old one sends here is superseded, too,
 // when another one is about to be queued; it is newer than an immediate send.
-void qzEventHandler::supersedePending(qzInputChannel* entry, qzObj::qzSendFlags how) {
+void qzSupersedePending(qzEventQueue& queue, qzInputChannel* entry, qzObj::qzSendFlags how) {
     while (qzMessageEvent* old = entry->getPendingEvent()) {
         entry->setPendingEvent(nullptr);
-        remove(old);
+        queue.remove(old);
         if (how != qzObj::qzSF_Queued && how != qzObj::qzSF_Urgent) return;
     }
 }

@@ -14,8 +14,6 @@
 
 #include "event/EventQueue.h"
 
-class qzFanOut;
-
 class QZ_EXPORT qzEventHandler : public qzEventQueue {
   public:
     using Predicate = unsigned char (*)(qzEvent* event, void* arg);
@@ -50,8 +48,7 @@ class QZ_EXPORT qzEventHandler : public qzEventQueue {
     void removeMessageEvents(qzInputChannel* channel);
 
   private:
-    void sendTo(const qzFanOut& fanOut, qzData* data, qzObj::qzSendFlags how);
-    void supersedePending(qzInputChannel* entry, qzObj::qzSendFlags how);
+    void post(const qzOutputChannel& output, qzData* data, qzObj::qzSendFlags how);
     void postTo(qzInputChannel* entry, qzData* data, qzObj::qzSendFlags how);
 };
 

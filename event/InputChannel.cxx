@@ -3,6 +3,7 @@
 #include "event/Converter.h"
 #include "event/EventHandler.h"
 #include "event/OutputChannel.h"
+#include "event/detail/BlockPool.h"
 #include "event/detail/ReplacedInputs.h"
 #include "util/Fatal.h"
 #include "util/VoidPtrArray.h"
@@ -61,4 +62,11 @@ void qzInputChannel::disconnect() {
 void qzInputChannel::flush() {
     pendingEvent = nullptr;
     qz_theEventHandler->removeMessageEvents(this);
+}
+
+void* qzInputChannel::operator new(std::size_t bytes) {
+    return qzBlockPool<qzInputChannel>::take(bytes);
+}
+void qzInputChannel::operator delete(void* block, std::size_t bytes) {
+    qzBlockPool<qzInputChannel>::giveBack(block, bytes);
 }

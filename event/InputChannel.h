@@ -18,6 +18,8 @@
 #ifndef QZ_EVENT_INPUTCHANNEL_H
 #define QZ_EVENT_INPUTCHANNEL_H
 
+#include <cstddef>
+
 #include "util/Export.h"
 
 class qzMessageEvent;
@@ -66,6 +68,10 @@ class QZ_EXPORT qzInputChannel {
     // Destroys the queued messages that are addressed to this very channel,
     // leaving those to converters in front of it.
     void flush();
+
+    // Channels lie side by side: a send goes from one to the next.
+    static void* operator new(std::size_t bytes);
+    static void operator delete(void* block, std::size_t bytes);
 
   protected:
     void* object;

@@ -40,7 +40,9 @@ void qzMessageEvent::dump(FILE* out) { qzEvent::dump(out); }
 
 qzInputChannel* qzMessageEvent::getChannel() { return channel; }
 
-void* qzMessageEvent::operator new(std::size_t bytes) { return qzBlockPool::take(bytes); }
+void* qzMessageEvent::operator new(std::size_t bytes) {
+    return qzBlockPool<qzMessageEvent>::take(bytes);
+}
 void qzMessageEvent::operator delete(void* block, std::size_t bytes) {
-    qzBlockPool::giveBack(block, bytes);
+    qzBlockPool<qzMessageEvent>::giveBack(block, bytes);
 }

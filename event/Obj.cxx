@@ -10,6 +10,7 @@
 #include "event/IntData.h"
 #include "event/LongData.h"
 #include "event/VoidData.h"
+#include "event/detail/ImmediateSend.h"
 #include "util/Fatal.h"
 #include "util/VoidPtrArray.h"
 #include "util/detail/RawMemory.h"
@@ -41,28 +42,37 @@ void qzObj::sendData(qzOutputChannel* output, qzData* data, qzSendFlags how) {
     qz_theEventHandler->postMessage(output, data, how);
 }
 
+// Boxed only if it has to wait.
+template <class Data, class... Value>
+void qzObj::sendValue(qzOutputChannel* output, qzSendFlags how, Value... value) {
+    if (how != qzSF_Immediate) return sendData(output, new Data(value...), how);
+    qzDeliverNow(*qz_theEventHandler, *output, [=](void (*function)(), void* object) {
+        reinterpret_cast<void (*)(void*, Value...)>(function)(object, value...);
+    });
+}
+
 void qzObj::sendVoid(qzOutputChannel* output, qzSendFlags how) {
-    sendData(output, new qzVoidData, how);
+    sendValue<qzVoidData>(output, how);
 }
 
 void qzObj::sendBool(qzOutputChannel* output, unsigned char value, qzSendFlags how) {
-    sendData(output, new qzBoolData(value), how);
+    sendValue<qzBoolData>(output, how, value);
 }
 
 void qzObj::sendInt(qzOutputChannel* output, int value, qzSendFlags how) {
-    sendData(output, new qzIntData(value), how);
+    sendValue<qzIntData>(output, how, value);
 }
 
 void qzObj::sendLong(qzOutputChannel* output, long value, qzSendFlags how) {
-    sendData(output, new qzLongData(value), how);
+    sendValue<qzLongData>(output, how, value);
 }
 
 void qzObj::sendFloat(qzOutputChannel* output, float value, qzSendFlags how) {
-    sendData(output, new qzFloatData(value), how);
+    sendValue<qzFloatData>(output, how, value);
 }
 
 void qzObj::sendDouble(qzOutputChannel* output, double value, qzSendFlags how) {
-    sendData(output, new qzDoubleData(value), how);
+    sendValue<qzDoubleData>(output, how, value);
 }
 
 void qzObj::sendCharPtr(qzOutputChannel* output, const char* text, qzSendFlags how) {

@@ -107,6 +107,8 @@ class QZ_EXPORT qzObj : public qzXDRObj {
     qzOutputChannel* findOutput(const char* name) const; // or null
 
   private:
+    template <class Data, class... Value>
+    void sendValue(qzOutputChannel* output, qzSendFlags how, Value... value);
     qzVoidPtrDict* channels(const char* propertyName) const; // or null
     qzVoidPtrDict& makeChannels(const char* propertyName, void (*deleter)(void*));
 

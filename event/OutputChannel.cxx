@@ -31,6 +31,7 @@ void qzOutputChannel::add(qzInputChannel* input) {
     entry->addRef();
     if (!connections) connections = new qzVoidPtrArray;
     connections->append(entry);
+    qzFanOut::added(this);
 }
 
 void qzOutputChannel::remove(qzInputChannel* input) {
@@ -38,7 +39,7 @@ void qzOutputChannel::remove(qzInputChannel* input) {
     if (index < 0) return;
     qzInputChannel* const entry = (*this)[static_cast<unsigned>(index)];
     connections->remove(static_cast<unsigned>(index), 1);
-    qzFanOut::removed(this, static_cast<unsigned>(index));
+    qzFanOut::removed(this, static_cast<unsigned>(index), entry);
     input->remove(this);
     entry->delRef();
 }

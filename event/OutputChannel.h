@@ -15,6 +15,8 @@
 #include "util/VoidPtrArray.h"
 
 class QZ_EXPORT qzOutputChannel {
+    friend class qzFanOut;
+
   public:
     explicit qzOutputChannel(unsigned short type);
     qzOutputChannel(const qzOutputChannel&) = delete;

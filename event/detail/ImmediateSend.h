@@ -1,0 +1,26 @@
+// The fan-out of an immediate send, and what all sends do with old messages.
+#ifndef QZ_EVENT_DETAIL_IMMEDIATESEND_H
+#define QZ_EVENT_DETAIL_IMMEDIATESEND_H
+
+#include "event/EventHandler.h"
+#include "event/detail/FanOut.h"
+
+// Destroys the message that the coalescing entry has not received yet.
+void qzSupersedePending(qzEventQueue& queue, qzInputChannel* entry, qzObj::qzSendFlags how);
+
+// Calls deliver(function, object) for each entry that is connected when its turn
+// comes. A value in its native form goes through here without ever being boxed:
+// receivers do not get to see the box.
+template <class Deliver>
+void qzDeliverNow(qzEventQueue& queue, const qzOutputChannel& output, Deliver deliver) {
+    qzFanOut fanOut(output);
+    fanOut.forEach([&](qzInputChannel* entry) {
+        if (__builtin_expect(entry->coalesces(), 0)) {
+            qzSupersedePending(queue, entry, qzObj::qzSF_Immediate);
+            if (!fanOut.stands()) return;
+        }
+        deliver(entry->getFunction(), entry->getObject());
+    });
+}
+
+#endif
