@@ -60,6 +60,10 @@ def transcription(dictionaries):
                   target=1)]
 
 
+def pass_rows(label, benchmark, *choices):
+    return rows(label, benchmark, LOOPS, *choices, target=1.1, peers="PlainSelect")
+
+
 KEYS = [1000, 100000]
 KINDS = ["literal", "anchored", "alternation", "classPlus", "word"]
 ENGINES = "ours|std|pcre2|re2"
@@ -103,17 +107,20 @@ TABLES = {  # name: cells, heads, rows
     "memory": (memory, f"Memory / objects|{TRANSCRIBERS}", transcription([1000000])),
     "sending": (ratio, "Workload|here|Qt|GObject / GLib|Signals2 / Asio|libsigc++|libevent", [
         *rows("An int taken as {}, at once to {}", "BM_Send<*<{}>>/{}", SENDERS,
-              ["int", "float"], [1, 10, 100]),
+              ["int", "float"], [1, 10, 100], target=0.75),
         *rows("An int taken as {}, queued and delivered {:,} times", "BM_Queue<*<{}>>/{}", SENDERS,
-              ["int", "float"], [100000])]),
+              ["int", "float"], [100000], target=0.4, peers="Boost")]),
     "passes": (ratio, "Pipes|here|libevent (select)|libevent (epoll)|libuv (epoll)|only `select`", [
-        *rows("{}, none ready", "BM_Pass<*>/pipes:{}/ready:0", LOOPS, [1]),
-        *rows("{}, {} ready", "BM_Pass<*>/pipes:{}/ready:{}", LOOPS, [10], [1, 10]),
-        *rows("{}, none ready", "BM_Pass<*>/pipes:{}/ready:0", LOOPS, [90]),
-        *rows("{}, {} ready", "BM_Pass<*>/pipes:{}/ready:{}", LOOPS, [90], [1, 10, 90])]),
+        *pass_rows("{}, none ready", "BM_Pass<*>/pipes:{}/ready:0", [1]),
+        *pass_rows("{}, {} ready", "BM_Pass<*>/pipes:{}/ready:{}", [10], [1, 10]),
+        *pass_rows("{}, none ready", "BM_Pass<*>/pipes:{}/ready:0", [90]),
+        *pass_rows("{}, {} ready", "BM_Pass<*>/pipes:{}/ready:{}", [90], [1, 10, 90])]),
     "timers": (ratio, "Workload|here|libuv|libevent", [
-        *rows("Start and stop {:,} timers", "BM_StartStop<*>/{}", TIMERS, [10, 100, 1000]),
-        *rows("Start and expire {:,} timers", "BM_StartExpire<*>/{}", TIMERS, [10, 100, 1000])]),
+        *(row for most, kind in [(16, ""), (1, " of equal duration")]
+          for then in ["Stop", "Expire"]
+          for row in rows("Start and {} {{:,}} timers{}".format(then.lower(), kind),
+                          "BM_Start{}<*>/timers:{{}}/most:{}".format(then, most), TIMERS,
+                          [10, 100, 1000]))]),
 }
 
 

@@ -12,12 +12,9 @@
 #include <vector>
 
 #include <benchmark/benchmark.h>
-#include <event2/event.h>
-#include <uv.h>
 
-#include "event/Exec.h"
 #include "event/GlobalOrder.h"
-#include "event/SelectHandler.h"
+#include "event/Loops.h"
 
 namespace {
 
@@ -54,79 +51,44 @@ class Qz {
     explicit Qz(const Pipes& pipes) {
         qzInitializeToolkit();
         for (const int fd : pipes.reading)
-            handlers.emplace_back(new Handler(fd));
+            handlers.emplace_back(new CountingHandler<served>(fd));
     }
     void pass() { qz_theExecutive->poll(0); }
 
   private:
-    struct Handler : qzSelectHandler {
-        explicit Handler(int fd) {
-            descriptor = fd;
-            qz_theExecutive->addSelectHandler(this);
-        }
-        ~Handler() override {
-            qz_theExecutive->removeSelectHandler(this);
-            descriptor = -1; // the pipes close it
-        }
-        const char* className() const override { return "Handler"; }
-        void handleRead() override { ++served; }
-    };
-    std::vector<std::unique_ptr<Handler>> handlers;
+    std::vector<std::unique_ptr<qzSelectHandler>> handlers;
 };
 
-template <bool withSelect> class Libevent {
+event_base* withSelect() {
+    event_config* const config = event_config_new();
+    event_config_avoid_method(config, "epoll");
+    event_config_avoid_method(config, "poll");
+    event_base* const base = event_base_new_with_config(config);
+    event_config_free(config);
+    return base;
+}
+
+template <event_base* (*make)()> class Libevent : public EventBase {
   public:
-    explicit Libevent(const Pipes& pipes) {
-        event_config* const config = event_config_new();
-        if (withSelect) {
-            event_config_avoid_method(config, "epoll");
-            event_config_avoid_method(config, "poll");
-        }
-        base = event_base_new_with_config(config);
-        event_config_free(config);
+    explicit Libevent(const Pipes& pipes) : EventBase(make()) {
         for (const int fd : pipes.reading) {
             events.push_back(event_new(
                 base, fd, EV_READ | EV_PERSIST, [](int, short, void*) { ++served; }, nullptr));
             event_add(events.back(), nullptr);
         }
     }
-    Libevent(const Libevent&) = delete;
-    Libevent& operator=(const Libevent&) = delete;
-    ~Libevent() {
-        std::for_each(events.begin(), events.end(), event_free);
-        event_base_free(base);
-    }
-    void pass() { event_base_loop(base, EVLOOP_ONCE | EVLOOP_NONBLOCK); }
-
-  private:
-    event_base* base;
-    std::vector<event*> events;
 };
-using LibeventSelect = Libevent<true>;
-using LibeventOwn = Libevent<false>;
+using LibeventSelect = Libevent<withSelect>;
+using LibeventOwn = Libevent<event_base_new>;
 
-class Libuv {
+class Libuv : public UvLoop<uv_poll_t> {
   public:
-    explicit Libuv(const Pipes& pipes) : polls(pipes.reading.size()) {
-        uv_loop_init(&loop);
-        for (unsigned i = 0; i < polls.size(); ++i) {
-            uv_poll_init(&loop, &polls[i], pipes.reading[i]);
-            uv_poll_start(&polls[i], UV_READABLE, [](uv_poll_t*, int, int) { ++served; });
+    explicit Libuv(const Pipes& pipes) : UvLoop(pipes.reading.size()) {
+        for (unsigned i = 0; i < handles.size(); ++i) {
+            uv_poll_init(&loop, &handles[i], pipes.reading[i]);
+            uv_poll_start(&handles[i], UV_READABLE, [](uv_poll_t*, int, int) { ++served; });
         }
     }
-    Libuv(const Libuv&) = delete;
-    Libuv& operator=(const Libuv&) = delete;
-    ~Libuv() {
-        for (uv_poll_t& poll : polls)
-            uv_close(reinterpret_cast<uv_handle_t*>(&poll), nullptr);
-        uv_run(&loop, UV_RUN_DEFAULT);
-        uv_loop_close(&loop);
-    }
-    void pass() { uv_run(&loop, UV_RUN_NOWAIT); }
-
-  private:
-    uv_loop_t loop;
-    std::vector<uv_poll_t> polls;
 };
 
 // The floor: the system call and a look at each descriptor.

@@ -1,5 +1,5 @@
 // Starting, stopping and expiring timers, beside libuv and libevent, which keep
-// them in heaps. Durations are in no order.
+// them in heaps. Durations are in no order, or all the same.
 //
 // Nobody waits for them to be due: the peers read a clock that is put forward. Ours
 // expire by a call of the alarm, as the main loop makes it; a pass without timers is
@@ -13,18 +13,16 @@
 #include <vector>
 
 #include <benchmark/benchmark.h>
-#include <event2/event.h>
-#include <uv.h>
 
-#include "event/Exec.h"
 #include "event/GlobalOrder.h"
-#include "event/SelectHandler.h"
+#include "event/Loops.h"
 #include "event/Timer.h"
 
 namespace {
 
 const unsigned longest = 16; // milliseconds
 long ticks;
+long wakes;
 
 bool onLoopsClock = false;
 timespec passed = {0, 0}; // on the loops' clock, beside the system's
@@ -58,9 +56,15 @@ class Qz {
   public:
     explicit Qz(unsigned n) {
         qzInitializeToolkit();
-        idle.reset(new Idle);
+        if (pipe(ends) == 0) idle.reset(new CountingHandler<wakes>(ends[0]));
         for (unsigned i = 0; i < n; ++i)
             timers.emplace_back(new Timer);
+    }
+    Qz(const Qz&) = delete;
+    Qz& operator=(const Qz&) = delete;
+    ~Qz() {
+        close(ends[0]);
+        close(ends[1]);
     }
     void start(unsigned i, unsigned milliseconds) {
         timers[i]->startTimer(static_cast<float>(milliseconds) / 1000);
@@ -76,87 +80,52 @@ class Qz {
         Timer() : qzTimer(0) {}
         void tick() override { ++ticks; }
     };
-    // A loop without a descriptor would not wait.
-    struct Idle : qzSelectHandler {
-        Idle() {
-            if (pipe(ends) == 0) descriptor = ends[0];
-            qz_theExecutive->addSelectHandler(this);
-        }
-        ~Idle() override {
-            qz_theExecutive->removeSelectHandler(this);
-            close(ends[1]);
-        }
-        const char* className() const override { return "Idle"; }
-        void handleRead() override {}
-        int ends[2];
-    };
-    std::unique_ptr<Idle> idle;
+    int ends[2];
+    std::unique_ptr<qzSelectHandler> idle; // a loop without a descriptor would not wait
     std::vector<std::unique_ptr<Timer>> timers;
 };
 
-class Libuv {
+class Libuv : public UvLoop<uv_timer_t> {
   public:
-    explicit Libuv(unsigned n) : timers(n) {
-        uv_loop_init(&loop);
-        for (uv_timer_t& timer : timers)
+    explicit Libuv(unsigned n) : UvLoop(n) {
+        for (uv_timer_t& timer : handles)
             uv_timer_init(&loop, &timer);
-    }
-    Libuv(const Libuv&) = delete;
-    Libuv& operator=(const Libuv&) = delete;
-    ~Libuv() {
-        for (uv_timer_t& timer : timers)
-            uv_close(reinterpret_cast<uv_handle_t*>(&timer), nullptr);
-        uv_run(&loop, UV_RUN_DEFAULT);
-        uv_loop_close(&loop);
     }
     void start(unsigned i, unsigned milliseconds) {
         uv_timer_start(
-            &timers[i], [](uv_timer_t*) { ++ticks; }, milliseconds, 0);
+            &handles[i], [](uv_timer_t*) { ++ticks; }, milliseconds, 0);
     }
-    void stop(unsigned i) { uv_timer_stop(&timers[i]); }
-    void expire() { uv_run(&loop, UV_RUN_NOWAIT); }
-
-  private:
-    uv_loop_t loop;
-    std::vector<uv_timer_t> timers;
+    void stop(unsigned i) { uv_timer_stop(&handles[i]); }
+    void expire() { pass(); }
 };
 
-class Libevent {
+class Libevent : public EventBase {
   public:
-    explicit Libevent(unsigned n) : base(event_base_new()) {
+    explicit Libevent(unsigned n) : EventBase(event_base_new()) {
         for (unsigned i = 0; i < n; ++i)
-            timers.push_back(evtimer_new(
+            events.push_back(evtimer_new(
                 base, [](int, short, void*) { ++ticks; }, nullptr));
-    }
-    Libevent(const Libevent&) = delete;
-    Libevent& operator=(const Libevent&) = delete;
-    ~Libevent() {
-        for (event* timer : timers)
-            event_free(timer);
-        event_base_free(base);
     }
     void start(unsigned i, unsigned milliseconds) {
         const timeval duration = {0, static_cast<suseconds_t>(milliseconds) * 1000};
-        evtimer_add(timers[i], &duration);
+        evtimer_add(events[i], &duration);
     }
-    void stop(unsigned i) { evtimer_del(timers[i]); }
-    void expire() { event_base_loop(base, EVLOOP_ONCE | EVLOOP_NONBLOCK); }
-
-  private:
-    event_base* base;
-    std::vector<event*> timers;
+    void stop(unsigned i) { evtimer_del(events[i]); }
+    void expire() { pass(); }
 };
 
-std::vector<unsigned> durations(unsigned n) {
+// The milliseconds of the timers: 1 to `most` each.
+std::vector<unsigned> durations(const benchmark::State& state) {
+    const unsigned n = state.range(0), most = state.range(1);
     std::mt19937 random(4711);
     std::vector<unsigned> milliseconds;
-    for (unsigned i = 0; i < n; ++i)
-        milliseconds.push_back(1 + random() % longest);
+    while (milliseconds.size() < n)
+        milliseconds.push_back(1 + random() % most);
     return milliseconds;
 }
 
 template <class Timers> void BM_StartStop(benchmark::State& state) {
-    const std::vector<unsigned> milliseconds = durations(state.range(0));
+    const std::vector<unsigned> milliseconds = durations(state);
     Timers timers(milliseconds.size());
     for (auto _ : state) {
         for (unsigned i = 0; i < milliseconds.size(); ++i)
@@ -168,7 +137,7 @@ template <class Timers> void BM_StartStop(benchmark::State& state) {
 }
 
 template <class Timers> void BM_StartExpire(benchmark::State& state) {
-    const std::vector<unsigned> milliseconds = durations(state.range(0));
+    const std::vector<unsigned> milliseconds = durations(state);
     Timers timers(milliseconds.size());
     ticks = 0;
     for (auto _ : state) {
@@ -183,7 +152,10 @@ template <class Timers> void BM_StartExpire(benchmark::State& state) {
     state.SetItemsProcessed(ticks);
 }
 
-void numbers(benchmark::internal::Benchmark* b) { b->Arg(10)->Arg(100)->Arg(1000); }
+void numbers(benchmark::internal::Benchmark* b) {
+    b->ArgNames({"timers", "most"});
+    b->ArgsProduct({{10, 100, 1000}, {1, longest}});
+}
 
 BENCHMARK_TEMPLATE(BM_StartStop, Qz)->Apply(numbers);
 BENCHMARK_TEMPLATE(BM_StartStop, Libuv)->Apply(numbers);
