@@ -85,8 +85,7 @@ template <class Call> void forApplications(const qzVoidPtrArray& applications, C
 // poll.
 class qzExec::Pass {
   public:
-    explicit Pass(const qzExec& exec)
-        : exec(exec), outer(innermost), lowest(exec.lowestDescriptor), limit(exec.descriptorLimit) {
+    explicit Pass(const qzExec& exec) : exec(exec), outer(innermost), limit(exec.descriptorLimit) {
         innermost = this;
     }
     ~Pass() { innermost = outer; }
@@ -100,19 +99,20 @@ class qzExec::Pass {
 
   private:
     fd_set* set(unsigned kind) { return wanted[kind] ? &sets[kind] : nullptr; }
+    unsigned long readyIn(unsigned word) const; // of the sets: descriptors as bits
+    void serve(unsigned descriptor, unsigned kind, void (qzSelectHandler::*handle)());
     bool take(unsigned descriptor, unsigned kind);
 
     static Pass* innermost;
 
     const qzExec& exec;
     Pass* const outer;
-    const unsigned lowest;
     const unsigned limit;
     float firstDelta = 0;     // of the first timer
     unsigned start = 0;       // by the clock, when there is a timer
     bool timerBounds = false; // the wait ends when the first timer is due
     timeval timeout = {0, 0};
-    int ready = 0; // select()'s result, then what is left to serve of it
+    int ready = 0; // select()'s result
     bool wanted[kinds];
     fd_set sets[kinds]; // of the wanted kinds; select() leaves the ready ones
 };
@@ -160,24 +160,37 @@ void qzExec::Pass::advanceTimers() {
     errno = selectError;
 }
 
+// Looks for ready descriptors a word of the sets at a time.
 void qzExec::Pass::serve() {
-    static void (qzSelectHandler::*const handle[kinds])() = {&qzSelectHandler::handleRead,
-                                                             &qzSelectHandler::handleWrite,
-                                                             &qzSelectHandler::handleException};
-    for (unsigned d = lowest; d < limit && ready > 0; ++d) {
-        for (unsigned kind = 0; kind < kinds; ++kind) {
-            if (!take(d, kind)) continue;
-            // The last call may have removed this handler or put another in its place.
-            if (qzSelectHandler* const handler = exec.handlers[d]) (handler->*handle[kind])();
+    if (ready <= 0) return;
+    for (unsigned word = 0; word * NFDBITS < limit; ++word) {
+        for (unsigned long left = readyIn(word); left != 0; left &= left - 1) {
+            const unsigned descriptor = word * NFDBITS + __builtin_ctzl(left);
+            serve(descriptor, read, &qzSelectHandler::handleRead);
+            serve(descriptor, write, &qzSelectHandler::handleWrite);
+            serve(descriptor, exception, &qzSelectHandler::handleException);
         }
     }
+}
+
+unsigned long qzExec::Pass::readyIn(unsigned word) const {
+    unsigned long bits = 0;
+    for (unsigned kind = 0; kind < kinds; ++kind)
+        if (wanted[kind]) bits |= static_cast<unsigned long>(sets[kind].fds_bits[word]);
+    return bits;
+}
+
+inline void qzExec::Pass::serve(unsigned descriptor, unsigned kind,
+                                void (qzSelectHandler::*handle)()) {
+    if (!take(descriptor, kind)) return;
+    // The last call may have removed this handler or put another in its place.
+    if (qzSelectHandler* const handler = exec.handlers[descriptor]) (handler->*handle)();
 }
 
 // Whether the descriptor is ready and yet to be served. The passes in whose
 // callbacks this one runs do not serve it again.
 bool qzExec::Pass::take(unsigned descriptor, unsigned kind) {
     if (!wanted[kind] || !FD_ISSET(descriptor, &sets[kind])) return false;
-    --ready;
     for (Pass* pass = outer; pass; pass = pass->outer)
         if (pass->wanted[kind]) FD_CLR(descriptor, &pass->sets[kind]);
     return true;
