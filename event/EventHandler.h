@@ -48,8 +48,7 @@ class QZ_EXPORT qzEventHandler : public qzEventQueue {
     void removeMessageEvents(qzInputChannel* channel);
 
   private:
-    void post(const qzOutputChannel& output, qzData* data, qzObj::qzSendFlags how);
-    void postTo(qzInputChannel* entry, qzData* data, qzObj::qzSendFlags how);
+    template <class Event> void distribute(Event* event);
 };
 
 static_assert(sizeof(qzEventHandler) == sizeof(qzEventQueue), "adds operations, no fields");

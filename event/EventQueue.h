@@ -37,6 +37,8 @@ class QZ_EXPORT qzEventQueue {
     // Whether the event is linked in here, of one that is in no other queue.
     bool holds(const qzEvent* event) const { return event->prev || head == event; }
     void unlink(qzEvent* event);
+    // Hands it over to the caller.
+    template <class Event> void take(Event* event);
 
     qzEvent* head;
     qzEvent* tail;

@@ -10,6 +10,7 @@
 #include "event/IntData.h"
 #include "event/LongData.h"
 #include "event/VoidData.h"
+#include "event/detail/BlockPool.h"
 #include "event/detail/ImmediateSend.h"
 #include "util/Fatal.h"
 #include "util/VoidPtrArray.h"
@@ -17,8 +18,7 @@
 
 // The inputs go first: what the other properties call back must not reach this
 // object any more. What is attached meanwhile goes as well.
-qzObj::~qzObj() {
-    if (!properties) return;
+void qzObj::destroyProperties() {
     addRef(); // so that releases in here do not destroy it again
     while (getNumberOfProperties()) {
         removeProperty(inputs);
@@ -45,7 +45,10 @@ void qzObj::sendData(qzOutputChannel* output, qzData* data, qzSendFlags how) {
 // Boxed only if it has to wait.
 template <class Data, class... Value>
 void qzObj::sendValue(qzOutputChannel* output, qzSendFlags how, Value... value) {
-    if (how != qzSF_Immediate) return sendData(output, new Data(value...), how);
+    if (how != qzSF_Immediate) {
+        void* const block = qzBlockPool<qzData>::take(sizeof(Data)); // as operator new does
+        return qz_theEventHandler->postMessage(output, ::new (block) Data(value...), how);
+    }
     qzDeliverNow(*qz_theEventHandler, *output, [=](void (*function)(), void* object) {
         reinterpret_cast<void (*)(void*, Value...)>(function)(object, value...);
     });

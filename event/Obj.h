@@ -45,7 +45,9 @@ class QZ_EXPORT qzObj : public qzXDRObj {
     qzObj& operator=(const qzObj&) = delete;
 
     // slot 1; slots 2-6 are qzXDRObj's
-    ~qzObj() override;
+    ~qzObj() override {
+        if (properties) destroyProperties();
+    }
     // slots 7-9
     // Connects this object's output to the target's input, converting on the
     // way where the types differ; fatal when that is not possible. Does nothing
@@ -107,6 +109,7 @@ class QZ_EXPORT qzObj : public qzXDRObj {
     qzOutputChannel* findOutput(const char* name) const; // or null
 
   private:
+    void destroyProperties();
     template <class Data, class... Value>
     void sendValue(qzOutputChannel* output, qzSendFlags how, Value... value);
     qzVoidPtrDict* channels(const char* propertyName) const; // or null

@@ -78,7 +78,7 @@ template <class Owner> class qzBlockPool {
     }
 
   private:
-    static constexpr std::size_t grain = 8;
+    static constexpr std::size_t grain = sizeof(void*);
     static constexpr std::size_t largest = 96;
 #if defined(__SANITIZE_ADDRESS__) || QZ_CLANG_ADDRESS_SANITIZER
     static constexpr bool enabled = false;

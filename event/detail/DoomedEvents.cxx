@@ -31,8 +31,8 @@ void qzDoomedEvents::stepOver(const qzEvent* event) {
     }
 }
 
-void qzDoomedEvents::leaveQueue(qzEvent* event) {
-    const qzEvent* first = event; // nearly always: it has been taken out before
+void qzDoomedEvents::findAndUnlink(qzEvent* event) {
+    const qzEvent* first = event;
     while (first->prev)
         first = first->prev;
     if (qz_theEventHandler && qz_theEventHandler->head == first) {

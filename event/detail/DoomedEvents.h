@@ -24,9 +24,14 @@ class qzDoomedEvents : public qzEventQueue {
     }
     // For an event that is destroyed: leaves the event handler's queue, or the
     // doomed ones, if it is in there.
-    static void leaveQueue(qzEvent* event);
+    static void leaveQueue(qzEvent* event) {
+        const bool alone = !event->prev && !event->next;
+        const bool only = qz_theEventHandler && qz_theEventHandler->head == event;
+        if (!alone || only || innermost) findAndUnlink(event);
+    }
 
   private:
+    static void findAndUnlink(qzEvent* event);
     static void stepOver(const qzEvent* event);
 
     qzEvent* current; // of take(): the event that is being judged, unless it has left
