@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <utility>
 #include <vector>
 
 #include "event/BoolData.h"
@@ -17,22 +16,13 @@
 
 namespace {
 
-const unsigned short lastCodeAtLoadTime = qzDT_qzStrArray;
-
-TEST(qzDrawDataTypes, DrawsTheCodesInTheirOrderOnce) {
-    qzSequencer* const started = std::exchange(qz_nextDataType, nullptr);
-    unsigned short* const inOrder[] = {
-        &qzDT_void,    &qzDT_qzBool, &qzDT_int,     &qzDT_long,   &qzDT_float,   &qzDT_double,
-        &qzDT_CharPtr, &qzDT_qzStr,  &qzDT_VoidPtr, &qzDT_ObjPtr, &qzDT_DataPtr, &qzDT_qzStrArray};
-    for (unsigned short* code : inOrder)
-        *code = 99;
-    qzDrawDataTypes();
-    qzDrawDataTypes();
+TEST(qzDrawDataTypes, DrawsTheCodesInTheirOrder) {
+    const unsigned short inOrder[] = {qzDT_void,    qzDT_qzBool, qzDT_int,     qzDT_long,
+                                      qzDT_float,   qzDT_double, qzDT_CharPtr, qzDT_qzStr,
+                                      qzDT_VoidPtr, qzDT_ObjPtr, qzDT_DataPtr, qzDT_qzStrArray};
     for (unsigned i = 0; i < 12; ++i)
-        EXPECT_EQ(*inOrder[i], i);
-    EXPECT_EQ((*qz_nextDataType)(), 12u);
-    EXPECT_EQ(lastCodeAtLoadTime, 11);
-    delete std::exchange(qz_nextDataType, started);
+        EXPECT_EQ(inOrder[i], i);
+    EXPECT_GE((*qz_nextDataType)(), 12u);
 }
 
 template <class T> void receive(void* got, T value) { *static_cast<T*>(got) = value; }
@@ -74,17 +64,25 @@ TEST(qzStrArrayData, EveryCopyHasStringsOfItsOwn) {
     EXPECT_STREQ(got[0].c_str(), "one");
 }
 
-TEST(qzData, RecyclesBlocksAndKeepsOnlySoMany) {
+// What a burst needed serves the next one, and goes bit by bit when none comes.
+TEST(qzData, BlocksOfABurstAreRecycledAndThenReleased) {
     if (AllocationCounter::obstacle()) GTEST_SKIP() << AllocationCounter::obstacle();
-    std::vector<qzData*> burst;
-    while (burst.size() < 4096 + 100)
-        burst.push_back(new qzIntData(1));
-    AllocationCounter counter;
-    for (qzData* data : burst)
-        data->addRef(), data->delRef();
-    delete new qzIntData(1);
-    EXPECT_EQ(counter.counts().releases, 100u);
-    EXPECT_EQ(counter.counts().allocations, 0u);
+    const auto send = [](unsigned n) {
+        std::vector<qzData*> values(n);
+        const AllocationCounter counter;
+        for (qzData*& value : values)
+            value = new qzIntData(1);
+        for (qzData* value : values)
+            delete value;
+        return counter.counts();
+    };
+    send(10000);
+    EXPECT_EQ(send(10000).allocations, 0u);
+    unsigned releases = 0;
+    for (unsigned i = 0; i < 100; ++i)
+        releases += send(1).releases;
+    EXPECT_GE(releases, 9u);
+    EXPECT_LE(send(10000).allocations, releases);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "event/EventHandler.h"
 
+#include "event/Converter.h"
 #include "event/Dataflow.h"
 #include "event/EventTypes.h"
 #include "event/MessageEvent.h"
@@ -117,15 +118,55 @@ TEST(qzEventHandler, EventsMayBeDestroyedWhereverTheyAre) {
     EXPECT_EQ(flow.received(), "from5 ");
 }
 
-TEST(qzEventHandler, ImmediateSendAllocatesTheValueAtMost) {
+void deliverTwice(qzInputChannel* downstream, int value) {
+    for (int i = 0; i < 2; ++i)
+        reinterpret_cast<void (*)(void*, int)>(downstream->getFunction())(downstream->getObject(),
+                                                                          value);
+}
+
+// What a conversion is called with stays until it returns, whoever disconnects it.
+TEST(qzEventHandler, EntryLivesToTheEndOfItsTurn) {
+    const Dataflow flow;
+    const unsigned short type = 77;
+    qzConverter* const converter =
+        new qzConverter(qzDT_int, type, reinterpret_cast<void (*)()>(deliverTwice));
+    for (unsigned row = 0; row < 4; ++row) {
+        const auto how = row % 2 ? immediate : queued;
+        const bool endOutput = row / 2;
+        Node from("from"), to("to");
+        to.in = to.addInput("in", type, &to, reinterpret_cast<void (*)()>(Node::receive), 0);
+        from.connectTo(to);
+        to.onReceipt = [&] {
+            if (endOutput) from.removeOutput("out");
+            to.removeInput("in");
+        };
+        from.send(1, how);
+        EXPECT_EQ(flow.received(), "to1 to1 ");
+    }
+    delete converter;
+}
+
+struct DerivedMessage : qzMessageEvent {
+    using qzMessageEvent::qzMessageEvent;
+    ~DerivedMessage() override { Dataflow::trace += "gone "; }
+    void deliver() override { Dataflow::trace += "delivered "; }
+};
+
+TEST(qzEventHandler, DerivedMessagesDeliverThemselves) {
+    const Dataflow flow;
+    Node to("to");
+    qz_theEventHandler->postEvent(new DerivedMessage(to.in, new qzIntData(1)), 0);
+    EXPECT_EQ(flow.received(), "delivered gone ");
+}
+
+TEST(qzEventHandler, ImmediateSendAllocatesNothing) {
     if (const char* obstacle = AllocationCounter::obstacle()) GTEST_SKIP() << obstacle;
     const Dataflow flow;
-    Node from(""), to("");
-    from.connectTo(from);
-    from.connectTo(to);
+    Node node("");
+    node.connectTo(node);
     const AllocationCounter counter;
-    from.send(1, immediate);
-    EXPECT_LE(counter.counts().allocations, 1u);
+    node.send(1, immediate);
+    EXPECT_EQ(counter.counts().allocations, 0u);
 }
 
 } // namespace
