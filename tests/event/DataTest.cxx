@@ -1,9 +1,14 @@
-#include <gtest/gtest.h>
-
+// Values and their conversions.
+#include <climits>
+#include <cmath>
+#include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "event/BoolData.h"
 #include "event/CharPtrData.h"
+#include "event/Converter.h"
 #include "event/DoubleData.h"
 #include "event/FloatData.h"
 #include "event/IntData.h"
@@ -83,6 +88,82 @@ TEST(qzData, BlocksOfABurstAreRecycledAndThenReleased) {
         releases += send(1).releases;
     EXPECT_GE(releases, 9u);
     EXPECT_LE(send(10000).allocations, releases);
+}
+
+const bool registered = (qzConverter::createStandardConverters(), true);
+
+unsigned short typeOf(unsigned char) { return qzDT_qzBool; }
+unsigned short typeOf(int) { return qzDT_int; }
+unsigned short typeOf(float) { return qzDT_float; }
+unsigned short typeOf(double) { return qzDT_double; }
+unsigned short typeOf(const char*) { return qzDT_CharPtr; }
+unsigned short typeOf(const qzStr&) { return qzDT_qzStr; }
+
+// Texts are gone after the call.
+template <class T> struct Kept { T value{}; };
+template <> struct Kept<const char*> { std::string value; };
+template <class To> void keep(void* kept, To value) { static_cast<Kept<To>*>(kept)->value = value; }
+
+// What arrives at an input of type To.
+template <class To, class From> auto sent(From value) {
+    Kept<To> kept;
+    const auto receiver = reinterpret_cast<void (*)()>(keep<To>);
+    auto* const input = new qzInputChannel(typeOf(To()), &kept, receiver, 1);
+    qzConverter* const converter = qzConverter::findConverter(typeOf(value), typeOf(To()));
+    converter->addRef();
+    converter->splice(input);
+    EXPECT_TRUE(converter->coalesces());
+    reinterpret_cast<void (*)(void*, From)>(converter->getFunction())(input, value);
+    converter->delRef(); // the input's only holder
+    return kept.value;
+}
+using Bool = unsigned char;
+using Text = const char*;
+
+TEST(qzConverter, TruthValuesAreLowBytes) {
+    EXPECT_EQ(sent<Bool>(256), 0);
+    EXPECT_EQ(sent<Bool>(0.1f), 0xCD); // 3DCCCCCD
+    EXPECT_EQ(sent<Bool>(0.1), 0x9A);  // 3FB99999 9999999A
+    EXPECT_EQ(sent<int>(Bool(0x81)), 0x81);
+    EXPECT_EQ(sent<float>(Bool(0x81)) + sent<double>(Bool(0x81)), 258.0);
+}
+
+TEST(qzConverter, NumbersGoToTheNearestThereIs) {
+    EXPECT_EQ(sent<int>(-2.9f), -2);
+    EXPECT_EQ(sent<int>(std::nanf("")), 0);
+    EXPECT_EQ(sent<int>(2147483648.0), INT_MAX);
+    EXPECT_EQ(sent<int>(-2147483649.0), INT_MIN);
+    EXPECT_EQ(sent<float>(16777219), 16777220.0f);
+    EXPECT_EQ(sent<double>(sent<float>(0.1)), 0.1f);
+}
+
+TEST(qzConverter, TextsHoldTheLongestNumbers) {
+    EXPECT_EQ(sent<Text>(INT_MIN), "-2147483648");
+    EXPECT_EQ(sent<Text>(-1.17549e-38f), "-1.17549e-38");
+    EXPECT_EQ(sent<Text>(-1.79769e+308), "-1.79769e+308");
+    EXPECT_EQ(sent<Text>(sent<qzStr>(Text("text"))), "text");
+    EXPECT_EQ(sent<int>(Text("42abc")), 42);
+    EXPECT_EQ(sent<int>(Text("4294967298")), INT_MAX);
+    EXPECT_EQ(sent<float>(Text("0.1kg")), 0.1f);
+}
+
+TEST(qzConverter, OtherPairsHaveNone) {
+    unsigned found = 0;
+    for (unsigned pair = 0; pair < 12 * 12; ++pair) {
+        qzConverter* const converter = qzConverter::findConverter(pair / 12, pair % 12);
+        found += converter != nullptr;
+        delete converter; // which has nothing downstream
+    }
+    EXPECT_EQ(found, 18u); // those of the tests above
+}
+
+void answer(qzInputChannel* input, int) { keep(input->getObject(), 42.0f); }
+
+TEST(qzConverter, LastRegisteredIsFoundWhileItLives) {
+    auto* const own = new qzConverter(qzDT_int, qzDT_float, reinterpret_cast<void (*)()>(answer));
+    EXPECT_EQ(sent<float>(3), 42.0f);
+    delete own;
+    EXPECT_EQ(sent<float>(3), 3.0f);
 }
 
 } // namespace
