@@ -22,6 +22,7 @@
 namespace {
 
 TEST(qzDrawDataTypes, DrawsTheCodesInTheirOrder) {
+    qzDrawDataTypes();
     const unsigned short inOrder[] = {qzDT_void,    qzDT_qzBool, qzDT_int,     qzDT_long,
                                       qzDT_float,   qzDT_double, qzDT_CharPtr, qzDT_qzStr,
                                       qzDT_VoidPtr, qzDT_ObjPtr, qzDT_DataPtr, qzDT_qzStrArray};
