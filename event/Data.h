@@ -30,8 +30,10 @@ class QZ_EXPORT qzData {
     // Calls function(object, value). The receiver may do anything, also release
     // this object if someone else holds it.
     virtual void deliverTo(void (*function)(), void* object) = 0;
-    // Copies the value to the destination, which has the value's own type. There
-    // is no conversion: the requested type is ignored.
+    // Copies the value to the destination, which has the value's own type.
+    // Deliberate: the requested type is ignored. Callers pass whatever they have at
+    // hand; types were matched when channels were connected. Pinned by
+    // qzData.ValuesArriveInTheirNativeType.
     virtual void getValue(unsigned short type, void* destination) = 0;
     // Bytes that the value takes in this object.
     virtual unsigned getSize() = 0;

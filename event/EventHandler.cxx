@@ -103,7 +103,9 @@ void qzMessageEvent::deliver() {
     to->setPendingEvent(nullptr);
     to->addRef();
     value->addRef();
-    value->deliverTo(to->getFunction(), to->getObject());
+    qzReceive(to, [value](qzInputChannel::Function function, void* object) {
+        value->deliverTo(function, object);
+    });
     value->delRef();
     to->delRef();
 }

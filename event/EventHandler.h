@@ -8,7 +8,7 @@
 //
 // Ownership: takes the events and the data.
 // Cost: posting is constant, purging linear in the queue. A queued send
-//     allocates an event a connection, an immediate one nothing.
+//     takes a recycled block for each connection, an immediate one none.
 #ifndef QZ_EVENT_EVENTHANDLER_H
 #define QZ_EVENT_EVENTHANDLER_H
 
@@ -23,7 +23,10 @@ class QZ_EXPORT qzEventHandler : public qzEventQueue {
 
     // Sends the data to every input that the output is connected to, in the
     // order of connection; data may be null if there is none. A message that a
-    // coalescing input has not received yet is superseded.
+    // coalescing input has not received yet is superseded. Deliberate: by an
+    // immediate send, too; what the input receives late must not be older than
+    // what it got at once. Pinned by
+    // qzEventHandler.CoalescingInputKeepsOneUndeliveredMessage.
     //
     // Deliberate: urgent messages of one send stand in the queue in reverse
     // order of connection, each having gone in at the head; the newest is

@@ -187,12 +187,12 @@ inline void qzExec::Pass::serve(unsigned descriptor, unsigned kind,
     if (qzSelectHandler* const handler = exec.handlers[descriptor]) (handler->*handle)();
 }
 
-// Whether the descriptor is ready and yet to be served. The passes in whose
-// callbacks this one runs do not serve it again.
+// Whether the descriptor is ready and yet to be served. The executive's passes in
+// whose callbacks this one runs do not serve it again.
 bool qzExec::Pass::take(unsigned descriptor, unsigned kind) {
     if (!wanted[kind] || !FD_ISSET(descriptor, &sets[kind])) return false;
     for (Pass* pass = outer; pass; pass = pass->outer)
-        if (pass->wanted[kind]) FD_CLR(descriptor, &pass->sets[kind]);
+        if (&pass->exec == &exec && pass->wanted[kind]) FD_CLR(descriptor, &pass->sets[kind]);
     return true;
 }
 

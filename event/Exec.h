@@ -15,8 +15,8 @@
 // Ownership: handlers and applications are the caller's. The executive itself
 //     outlives its passes.
 // Errors: none are reported. When select() fails, the pass serves no descriptor.
-// Cost: a pass is one select(), and two readings of the clock while a timer runs.
-//     Nothing is allocated.
+// Cost: a pass is one select(), and one or two readings of the clock while a timer
+//     runs. Nothing is allocated.
 #ifndef QZ_EVENT_EXEC_H
 #define QZ_EVENT_EXEC_H
 

@@ -9,6 +9,7 @@
 #include "event/FloatData.h"
 #include "event/IntData.h"
 #include "event/LongData.h"
+#include "event/Property.h"
 #include "event/VoidData.h"
 #include "event/detail/BlockPool.h"
 #include "event/detail/ImmediateSend.h"
@@ -21,7 +22,9 @@
 void qzObj::destroyProperties() {
     addRef(); // so that releases in here do not destroy it again
     while (getNumberOfProperties()) {
-        removeProperty(inputs);
+        if (const qzProperty* const channels = findChannels(inputs)) {
+            removeProperty(channels->getTag());
+        }
         removeAllProperties();
     }
     delete properties;

@@ -112,7 +112,9 @@ class QZ_EXPORT qzObj : public qzXDRObj {
     void destroyProperties();
     template <class Data, class... Value>
     void sendValue(qzOutputChannel* output, qzSendFlags how, Value... value);
-    qzVoidPtrDict* channels(const char* propertyName) const; // or null
+    static unsigned short channelsTag(const char* propertyName); // or noTag
+    qzProperty* findChannels(const char* propertyName) const;    // or null
+    qzVoidPtrDict* channels(const char* propertyName) const;     // or null
     qzVoidPtrDict& makeChannels(const char* propertyName, void (*deleter)(void*));
 
     qzVoidPtrArray* properties; // qzProperty*, ascending by tag; null until the first

@@ -7,6 +7,8 @@
 #include "event/Property.h"
 #include "event/detail/DoomedEvents.h"
 #include "event/detail/ReplacedInputs.h"
+#include "util/Fatal.h"
+#include "util/StrArray.h"
 #include "util/VoidPtrDict.h"
 #include "util/VoidPtrDictIter.h"
 
@@ -69,15 +71,32 @@ Channel* exchange(qzVoidPtrDict& channels, const char* name, Channel* channel) {
 
 } // namespace
 
+// The tag of the property, if the name has one. It is looked up again only when the
+// table of names has been made anew: every tick and connection comes through here.
+unsigned short qzObj::channelsTag(const char* propertyName) {
+    static unsigned short known[2];
+    unsigned short& tag = known[propertyName == outputs];
+    const qzStrArray* const names = qzProperty::qz_propertyNames;
+    const bool isStill = names && tag < names->length() && (*names)[tag] == propertyName;
+    if (!isStill) tag = qzProperty::findTag(propertyName);
+    return tag;
+}
+
+qzProperty* qzObj::findChannels(const char* propertyName) const {
+    const unsigned short tag = properties ? channelsTag(propertyName) : qzProperty::noTag;
+    return tag == qzProperty::noTag ? nullptr : findProperty(tag);
+}
+
 qzVoidPtrDict* qzObj::channels(const char* propertyName) const {
-    qzProperty* const property = findProperty(propertyName);
+    qzProperty* const property = findChannels(propertyName);
     return property ? static_cast<qzVoidPtrDict*>(property->getAsVoidPtr()) : nullptr;
 }
 
 qzVoidPtrDict& qzObj::makeChannels(const char* propertyName, void (*deleter)(void*)) {
     if (qzVoidPtrDict* const existing = channels(propertyName)) return *existing;
-    unsigned short tag = qzProperty::findTag(propertyName);
+    unsigned short tag = channelsTag(propertyName);
     if (tag == qzProperty::noTag) tag = qzProperty::allocNewTag(propertyName);
+    if (tag == qzProperty::noTag) qzFatal("no property tag is left for \"%s\"", propertyName);
     qzVoidPtrDict* const made = new qzVoidPtrDict;
     setProperty(new qzProperty(tag, made, deleter));
     return *made;
@@ -89,7 +108,7 @@ qzInputChannel* qzObj::addInput(const char* name, unsigned short type, void* obj
     input->addRef();
     qzVoidPtrDict& channels = makeChannels(inputs, destroyInputs);
     if (qzInputChannel* const old = exchange(channels, name, input)) {
-        qzReplacedInputs::add(old, &channels);
+        if (old->references() > 1) qzReplacedInputs::add(old, &channels);
         old->delRef();
     }
     return input;

@@ -70,7 +70,7 @@ void qzObj::removeAllProperties() {
     if (getNumberOfProperties() == 0) return;
     // The inputs go first: what the other properties call back must not reach an
     // object that has been destroyed meanwhile.
-    qzProperty* const first = findProperty(inputs);
+    qzProperty* const first = findChannels(inputs);
     const qzVoidPtrArray all = properties->cut(0, properties->length());
     if (first) first->delRef();
     for (unsigned i = 0; i < all.length(); ++i)

@@ -39,7 +39,9 @@ class QZ_EXPORT qzProperty : public qzRCObj {
     ~qzProperty() override;
 
     unsigned short getTag() const { return tag; }
-    // The type of the value; for a data value that value's own.
+    // The type of the value. Deliberate: for a data value it is that value's own, so
+    // that callers need not care which way it was stored. Pinned by
+    // qzProperty.HoldsOneReferenceOnWhatItShares.
     unsigned short getType() const;
 
     unsigned char getAsBool() const { return value.boolean; }
@@ -69,8 +71,10 @@ class QZ_EXPORT qzProperty : public qzRCObj {
     // Gives up the value; the destructor does this.
     void cleanup();
 
-    // A new tag for the name, also for one that has a tag: look for that first,
-    // with findTag(). The first tag is 0; noTag when all are taken.
+    // A new tag for the name; the first one is 0; noTag when all are taken.
+    // Deliberate: also for a name that has a tag, which lookups go on to find.
+    // Modules draw tags of their own under any name; look with findTag() first to
+    // share one. Pinned by qzProperty.TagsCountFromZeroAndAreNotReused.
     static unsigned short allocNewTag(const char* name);
     // The first tag of the name, or noTag.
     static unsigned short findTag(const char* name);

@@ -91,7 +91,8 @@ void qzTimer::Alarm::unchain(qzTimer* timer) {
 void qzTimer::Alarm::rearmChain() {
     while (qzTimer* timer = first) {
         first = timer->next;
-        timer->addToActiveList();
+        // One that was put off is still the start that it was.
+        timer->addToActiveList(timer->active ? timer->startedFor : timer->duration);
     }
 }
 
@@ -107,7 +108,7 @@ void qzTimer::Alarm::letGo(qzTimer* timer) {
 // much more that floats cannot tell the steps.
 bool qzTimer::Alarm::defers(const qzTimer* timer) const {
     const float mostSteps = 1e6f;
-    return timer->tickedIn == number && !(timer->duration * mostSteps > elapsed);
+    return timer->tickedIn == number && !(timer->startedFor * mostSteps > elapsed);
 }
 
 qzTimer::qzTimer(unsigned char autoReload)
@@ -116,8 +117,6 @@ qzTimer::qzTimer(unsigned char autoReload)
 
 qzTimer::~qzTimer() { stopTimer(); }
 
-const char* qzTimer::className() const { return "qzTimer"; }
-
 void qzTimer::tick() {
     tickChannel = findOutput("tick");
     if (tickChannel) sendVoid(tickChannel, qzSF_Queued);
@@ -125,7 +124,7 @@ void qzTimer::tick() {
 
 void qzTimer::startTimer() {
     stopTimer();
-    addToActiveList();
+    addToActiveList(duration);
 }
 
 void qzTimer::startTimer(float seconds) {
@@ -146,11 +145,11 @@ void qzTimer::alarm(float elapsed) {
 
 // Behind all that expire at the same time: these tick in the order in which they
 // were started.
-void qzTimer::addToActiveList() {
-    float remaining = duration;
+void qzTimer::addToActiveList(float seconds) {
+    float remaining = seconds;
     qzTimer* before = nullptr;
     qzTimer* after = activeTimers;
-    if (lastStarted && lastStarted->startedFor == duration) {
+    if (lastStarted && lastStarted->startedFor == seconds) {
         // The walk would pass it with nothing remaining.
         remaining = 0;
         before = lastStarted;
@@ -167,7 +166,7 @@ void qzTimer::addToActiveList() {
     }
     delta = remaining;
     active = 1;
-    startedFor = duration;
+    startedFor = seconds;
     lastStarted = this;
 }
 

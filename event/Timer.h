@@ -5,9 +5,11 @@
 //
 // Timers advance while qzExec::poll() waits for descriptors, and only then: the
 // time that callbacks take is not counted, and a program without a descriptor
-// handler has no running timers. One that reloads starts over for its full
-// duration after all that expired in the same pass have ticked; by how much it
-// was late is not made up for. See docs/event-loop.md.
+// handler has no running timers. Deliberate: one that reloads starts over for its
+// full duration after all that expired in the same pass have ticked, and by how
+// much it was late is not made up for; periods are never shorter than asked for,
+// and a program that was held up is not flooded. Pinned by
+// qzTimer.TicksDoWhatTheyLike. See docs/event-loop.md.
 //
 // tick() may start, stop and destroy any timer, its own included, and poll again.
 // A stopped one does not tick any more, even if it has expired or is about to
@@ -35,7 +37,6 @@ class QZ_EXPORT qzTimer : public qzObj {
     qzTimer& operator=(const qzTimer&) = delete;
 
     ~qzTimer() override;
-    const char* className() const override;
     // after those of qzObj
     // Runs with the timer inactive. This one queues a void value.
     virtual void tick();
@@ -68,7 +69,7 @@ class QZ_EXPORT qzTimer : public qzObj {
   private:
     class Alarm;
 
-    void addToActiveList();
+    void addToActiveList(float seconds);
     void removeFromActiveList();
     void unlink();
 

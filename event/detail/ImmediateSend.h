@@ -2,8 +2,19 @@
 #ifndef QZ_EVENT_DETAIL_IMMEDIATESEND_H
 #define QZ_EVENT_DETAIL_IMMEDIATESEND_H
 
+#include "event/DataTypes.h"
 #include "event/EventHandler.h"
 #include "event/detail/FanOut.h"
+
+// The one place that calls receivers. What arrives at a void input is no more than
+// that: its receiver takes no value.
+template <class Deliver> void qzReceive(const qzInputChannel* entry, Deliver deliver) {
+    if (entry->getType() == qzDT_void) {
+        reinterpret_cast<void (*)(void*)>(entry->getFunction())(entry->getObject());
+    } else {
+        deliver(entry->getFunction(), entry->getObject());
+    }
+}
 
 // Destroys the message that the coalescing entry has not received yet.
 void qzSupersedePending(qzEventQueue& queue, qzInputChannel* entry, qzObj::qzSendFlags how);
@@ -19,7 +30,7 @@ void qzDeliverNow(qzEventQueue& queue, const qzOutputChannel& output, Deliver de
             qzSupersedePending(queue, entry, qzObj::qzSF_Immediate);
             if (!fanOut.stands()) return;
         }
-        deliver(entry->getFunction(), entry->getObject());
+        qzReceive(entry, deliver);
     });
 }
 

@@ -1,6 +1,7 @@
 #include "event/Timer.h"
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <random>
 #include <vector>
@@ -123,6 +124,14 @@ TEST(qzTimer, AnAlarmEndsThoughTimersRestartForNoTime) {
         qzTimer::alarm(1000);
         qzTimer::alarm(0.25f);
         EXPECT_EQ(ticks, 2u);
+    }
+    // What counts is what the timer was started for, not what it will be.
+    for (const auto& row : {std::array{0.0f, 5.0f, 1.0f}, std::array{1.0f, 0.0f, 5.0f}}) {
+        float ticks = 0;
+        Timer timer(0, [&] { ++ticks, timer.startTimer(row[0]), timer.setTimerDuration(row[1]); });
+        timer.startTimer(1);
+        qzTimer::alarm(5);
+        EXPECT_EQ(ticks, row[2]);
     }
     bool ticked = false;
     Timer other(0, [&] { ticked = true; }), starter(0, [&] { other.startTimer(0); });
