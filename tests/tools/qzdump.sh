@@ -2,23 +2,10 @@
 # qzdump.sh PROGRAM: what the program says of good, cut and hostile streams.
 set -eu
 program=$1
-dir=$(mktemp -d)
-trap 'rm -rf "$dir"' EXIT
-cd "$dir"
+. "$(dirname "$0")/common.sh"
 
-fail() {
-    echo "$*"
-    exit 1
-}
-
-# run STATUS ARGUMENT...: output and messages go to files; nothing raw on terminals.
-run() {
-    wanted=$1 status=0
-    shift
-    timeout 60 "$program" "$@" >out 2>err || status=$?
-    [ $status = "$wanted" ] || fail "qzdump $*: status $status, not $wanted: $(cat err)"
-    ! LC_ALL=C grep -q '[^ -~]' out err || fail "qzdump $*: control characters"
-}
+# Nothing raw on terminals.
+check_output() { ! LC_ALL=C grep -q '[^ -~]' out err || fail "qzdump $1: control characters"; }
 
 little='\042\021\146\125\104\063' big='\021\042\063\104\125\146'
 header() { printf "qzBinaryWriter\0ieee\0$1"; }

@@ -3,23 +3,9 @@
 # files, beside grep, sort and uniq; and what it keeps when something goes wrong.
 set -eu
 program=$1 qzdump=$2
-dir=$(mktemp -d)
+. "$(dirname "$0")/common.sh"
 background= writers=
 trap 'kill $background $writers 2>/dev/null || :; rm -rf "$dir"' EXIT
-cd "$dir"
-
-fail() {
-    echo "$*"
-    exit 1
-}
-
-# run STATUS ARGUMENT...
-run() {
-    wanted=$1 status=0
-    shift
-    timeout 120 "$program" "$@" >out 2>err || status=$?
-    [ $status = "$wanted" ] || fail "qzwatch $*: status $status, not $wanted: $(cat err)"
-}
 
 # count NAME: what the table says.
 count() { awk -v name="$1" '$2 == name { print $1; exit }' "${2:-out}"; }
