@@ -47,49 +47,31 @@ const char* regbol;     // the beginning of the string
 const char** regstartp; // the arrays of the program being matched
 const char** regendp;
 
-bool startsWith(const char* string, const Literal& literal) {
-    for (unsigned i = 0; i < literal.length; ++i) {
-        if (string[i] != literal.text[i]) return false;
-    }
-    return true;
-}
-
-// The first occurrence of a literal, or null. Tries the places of its rarest
-// character, which is soonest done on a line of text. Where they are many a
-// real search takes over; it measures the string piece by piece, as a match
-// near by must not cost a look at the whole of it.
-const char* findLiteral(const char* from, const Literal& literal) {
-    const char* rarest = from;
-    for (unsigned tries = 0; tries < 8; ++tries) {
-        rarest = std::strchr(rarest, literal.text[literal.rarest]);
-        if (!rarest) return nullptr;
-        const bool fits = static_cast<std::size_t>(rarest - from) >= literal.rarest;
-        if (fits && startsWith(rarest - literal.rarest, literal)) return rarest - literal.rarest;
-        ++rarest;
-    }
-    // No occurrence spans the place tried last: its character would be there
-    // earlier in the literal.
-    from = rarest;
-    for (std::size_t window = 512 + 2 * literal.length;; window *= 2) {
-        const std::size_t size = strnlen(from, window);
-        if (const void* found = memmem(from, size, literal.text, literal.length))
-            return static_cast<const char*>(found);
-        if (size < window) return nullptr;
-        from += size - (literal.length - 1);
-    }
-}
-
 // By the current locale. The character is looked up as a signed byte, for which
 // the C library's tables have room; byte 255 is the end-of-file mark to them and
 // never in a word.
 bool isWord(char c) { return c == '_' || std::isalnum(static_cast<signed char>(c)); }
 
+bool startsWith(const char* string, const char* literal) {
+    while (*literal != '\0' && *string == *literal)
+        ++string, ++literal;
+    return *literal == '\0';
+}
+
+// The first position at or after `from` where a match could begin, or null.
+const char* nextStart(const qzregexp* prog, const Guide* guide, const char* from) {
+    if (!guide) return prog->regstart ? std::strchr(from, prog->regstart) : from;
+    if (guide->lead.length > 1) return findInString(from, guide->lead);
+    if (guide->onlyStart) return std::strchr(from, guide->onlyStart);
+    while (!guide->stops[static_cast<unsigned char>(*from)])
+        ++from;
+    return *from != '\0' || guide->first(prog->program + 1).has('\0') ? from : nullptr;
+}
+
 class Search {
   public:
-    Search(const qzregexp* prog, const Guide* guide)
-        : program(prog->program), regstart(prog->regstart), guide(guide) {}
+    Search(const qzregexp* prog, const Guide* guide) : program(prog->program), guide(guide) {}
 
-    const char* nextStart(const char* from) const;
     const char* startAfterFailure(const char* start) const;
     bool regtry(qzregexp* prog, const char* start);
 
@@ -101,6 +83,7 @@ class Search {
     const char* choose(const char* branch, const char* input);
     bool enterRun(const char* node, const char*& input);
     bool leaveRun(const char* node, const char* lowest, const char* position, const char*& input);
+    const char* lastBeginning(const char* node, const char* lowest, const char* position) const;
     bool setBound(const char* node, const char* input);
 
     bool canBegin(const char* node, char c) const;
@@ -116,7 +99,6 @@ class Search {
     template <class... Words> bool note(Words... words);
 
     const char* program;
-    char regstart;
     const Guide* guide; // or null: go by the bytes
 
     BacktrackStack stack;
@@ -132,16 +114,6 @@ class Search {
 void clearBounds() {
     for (unsigned n = 0; n <= maxGroup; ++n)
         regstartp[n] = regendp[n] = nullptr;
-}
-
-// The first position at or after `from` where a match could begin, or null.
-const char* Search::nextStart(const char* from) const {
-    if (!guide) return regstart ? std::strchr(from, regstart) : from;
-    if (guide->lead.length > 1) return findLiteral(from, guide->lead);
-    if (guide->onlyStart) return std::strchr(from, guide->onlyStart);
-    while (!guide->stops[static_cast<unsigned char>(*from)])
-        ++from;
-    return *from != '\0' || canBegin(program + 1, '\0') ? from : nullptr;
 }
 
 // Where to look on when there is no match at `start`, or null at the end of the
@@ -322,16 +294,34 @@ inline bool Search::enterRun(const char* node, const char*& input) {
 // what comes after the run can begin at, and notes the positions below.
 inline bool Search::leaveRun(const char* node, const char* lowest, const char* position,
                              const char*& input) {
-    const char* const next = regnext(node);
-    for (; !canBegin(next, *position); --position) {
-        if (position == lowest) return false;
-    }
+    position = lastBeginning(regnext(node), lowest, position);
+    if (!position) return false;
     input = position;
     if (position > lowest) {
         if (!note(lowest, position - 1, node)) return false;
         noted = 0;
     }
     return true;
+}
+
+// The last position from `position` down to `lowest` that the node can begin at,
+// with all of its text if it is a literal; or null.
+inline const char* Search::lastBeginning(const char* node, const char* lowest,
+                                         const char* position) const {
+    if (node && opcode(node) == EXACTLY) {
+        const char* const literal = operand(node);
+        const char first = *literal;
+        while (*position != first || !startsWith(position, literal)) {
+            if (position == lowest) return nullptr;
+            --position;
+        }
+        return position;
+    }
+    while (!canBegin(node, *position)) {
+        if (position == lowest) return nullptr;
+        --position;
+    }
+    return position;
 }
 
 inline bool Search::setBound(const char* node, const char* input) {
@@ -415,6 +405,34 @@ void Search::considerTable() {
     if (length < reach) table.open(guide->choiceCount, length);
 }
 
+// The first position to try, or null when there is none.
+const char* firstStart(const qzregexp* prog, const Guide* guide, const char* string) {
+    if (prog->reganch) {
+        const bool ruledOut =
+            guide && guide->lead.length > 1 && !startsWith(string, guide->lead.text);
+        return ruledOut ? nullptr : string;
+    }
+    const char* const start = nextStart(prog, guide, string);
+    if (!start || prog->regmust || !guide || !guide->must.text) return start;
+    return findInString(start, guide->must) ? start : nullptr;
+}
+
+bool boundsAreClear() {
+    std::uintptr_t bits = 0;
+    for (unsigned n = 0; n <= maxGroup; ++n)
+        bits |= reinterpret_cast<std::uintptr_t>(regstartp[n]) |
+                reinterpret_cast<std::uintptr_t>(regendp[n]);
+    return bits == 0;
+}
+
+// Deliberate: a string without regstart or, before, regmust leaves the bounds of
+// the match before; callers that look at them after a 0 see the old ones.
+// Pinned by qzregexec.BoundsAfterNoMatch.
+void clearBoundsWithoutTry(const qzregexp* prog, const char* string) {
+    if (boundsAreClear()) return; // before the string is looked at again
+    if (prog->reganch || !prog->regstart || std::strchr(string, prog->regstart)) clearBounds();
+}
+
 } // namespace
 
 int qzregexec(qzregexp* prog, const char* string) {
@@ -427,27 +445,24 @@ int qzregexec(qzregexp* prog, const char* string) {
         return 0;
     }
     const Guide* const guide = guideOf(prog);
-    // Deliberate: a string without regmust or regstart leaves the bounds of the
-    // match before; callers that look at them after a 0 see the old ones.
-    // Pinned by qzregexec.BoundsAfterNoMatch.
     if (prog->regmust) {
-        const Literal asGiven{prog->regmust, static_cast<unsigned>(prog->regmlen), 0};
-        if (!findLiteral(string, guide ? guide->must : asGiven)) return 0;
+        const Literal asGiven{prog->regmust, static_cast<unsigned>(prog->regmlen), 0, 0};
+        if (!findInString(string, guide ? guide->must : asGiven)) return 0;
     }
-    const char* start = string;
-    if (!prog->reganch && prog->regstart) start = std::strchr(string, prog->regstart);
-    if (!start) return 0;
-
     regbol = string;
     regstartp = prog->startp;
     regendp = prog->endp;
+    const char* start = firstStart(prog, guide, string);
+    if (!start) {
+        clearBoundsWithoutTry(prog, string);
+        return 0;
+    }
     clearBounds();
     Search search(prog, guide);
-    if (prog->reganch) return search.regtry(prog, string);
-    if (!prog->regmust && guide && guide->must.text && !findLiteral(start, guide->must)) return 0;
-    while (start && (start = search.nextStart(start))) {
-        if (search.regtry(prog, start)) return 1;
+    while (!search.regtry(prog, start)) {
+        if (prog->reganch) return 0;
         start = search.startAfterFailure(start);
+        if (!start || !(start = nextStart(prog, guide, start))) return 0;
     }
-    return 0;
+    return 1;
 }

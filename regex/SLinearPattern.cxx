@@ -1,12 +1,10 @@
-// Horspool's search. The text byte under the pattern's final byte decides how
-// far the pattern may move: to where that byte last occurs in it before the
-// final position, or past it altogether.
 #include "regex/SLinearPattern.h"
 
 #include <cassert>
 #include <cstring>
 #include <new>
 
+#include "regex/detail/LiteralSearch.h"
 #include "util/Str.h"
 #include "util/detail/RawMemory.h"
 
@@ -40,20 +38,9 @@ void qzSLinearPattern::constructor(const char* text, unsigned length) {
 
 int qzSLinearPattern::findBuffer(const char* text, unsigned length) const {
     if (patternLength == 0) return 0;
-    const unsigned lastIndex = patternLength - 1;
-    if (lastIndex >= length) return -1;
-    const char last = pattern[lastIndex];
-    for (unsigned pos = lastIndex;;) {
-        const char c = text[pos];
-        if (c == last) {
-            const unsigned start = pos - lastIndex;
-            if (std::memcmp(text + start, pattern, patternLength) == 0)
-                return static_cast<int>(start);
-        }
-        const unsigned advance = static_cast<unsigned>(skip[index(c)]);
-        if (advance >= length - pos) return -1;
-        pos += advance;
-    }
+    const qzReg::Literal literal{pattern, patternLength, patternLength - 1, 0};
+    const char* const found = qzReg::findInBytes(text, length, literal);
+    return found ? static_cast<int>(found - text) : -1;
 }
 
 unsigned qzSLinearPattern::findEndBuffer(const char* text, unsigned length) const {

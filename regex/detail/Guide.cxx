@@ -68,24 +68,38 @@ char onlyMember(const CharSet& set) {
     return member;
 }
 
-// How often a character is met in prose, source text and logs; 0 for the rest.
-unsigned frequency(char c) {
-    static const char byFrequency[] =
-        "zqjxZQXJ~^@%KYVW{}`&!?$#\\*|<>+UGHFBM;'DPOLNCRIASETkvywbg7986543[]()/\"=_,:-.12"
-        "mpfudlchrsnioate0 ";
-    const char* const at = c == '\0' ? nullptr : std::strchr(byFrequency, c);
-    return at ? static_cast<unsigned>(at - byFrequency) + 1 : 0;
-}
+// How often a character is met in prose, source text and logs: its place in the
+// list, or 0 for the rest.
+struct Frequencies {
+    constexpr Frequencies() {
+        unsigned char place = 0;
+        for (const char c :
+             "zqjxZQXJ~^@%KYVW{}`&!?$#\\*|<>+UGHFBM;'DPOLNCRIASETkvywbg7986543[]()/\"=_,:-.12"
+             "mpfudlchrsnioate0 ")
+            of[static_cast<unsigned char>(c)] = ++place;
+    }
+    unsigned operator[](char c) const { return of[static_cast<unsigned char>(c)]; }
 
+    unsigned char of[256] = {};
+};
+constexpr Frequencies frequencies;
+
+// With the two characters that text in general has least of.
 Literal literalAt(const char* exactly) {
-    Literal literal{operand(exactly), 0, 0};
+    Literal literal{operand(exactly), 0, 0, 0};
     literal.length = static_cast<unsigned>(std::strlen(literal.text));
-    unsigned least = ~0u;
-    for (unsigned i = 0; i < literal.length && least > 0; ++i) {
-        const unsigned often = frequency(literal.text[i]);
-        if (often >= least) continue;
-        least = often;
-        literal.rarest = i;
+    unsigned least = ~0u, second = ~0u;
+    for (unsigned i = 0; i < literal.length; ++i) {
+        const unsigned often = frequencies[literal.text[i]];
+        if (often < least) {
+            second = least;
+            literal.companion = literal.rarest;
+            least = often;
+            literal.rarest = i;
+        } else if (often < second) {
+            second = often;
+            literal.companion = i;
+        }
     }
     return literal;
 }
@@ -241,7 +255,7 @@ void Builder::findLead() {
         const unsigned char op = opcode(node);
         if (op == BRANCH && !nextBranch(node)) {
             node = operand(node);
-        } else if (op > OPEN || op == WORDA || op == WORDZ) {
+        } else if (op > OPEN || op == BOL || op == WORDA || op == WORDZ) {
             if (op < OPEN) tested = true;
             node = regnext(node);
         } else {

@@ -11,6 +11,7 @@
 #define QZ_REGEX_DETAIL_GUIDE_H
 
 #include "regex/RegExp.h"
+#include "regex/detail/LiteralSearch.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -33,14 +34,6 @@ struct CharSet {
         const auto code = static_cast<unsigned char>(c);
         bits[code >> 5] &= ~(std::uint32_t{1} << (code & 31));
     }
-};
-
-// Text without its NUL, and the index of the first of the characters in it that
-// text in general has least of.
-struct Literal {
-    const char* text;
-    unsigned length;
-    unsigned rarest;
 };
 
 struct Guide {

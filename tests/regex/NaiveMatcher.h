@@ -9,19 +9,18 @@
 
 #include <cctype>
 #include <cstring>
-#include <optional>
 
 class NaiveMatcher {
   public:
     // Whether the library finds what this one finds, as compiled and by the
-    // program bytes alone. Nothing when this one gives up.
-    static std::optional<bool> agrees(qzregexp* prog, const char* string, unsigned long maxSteps) {
+    // program bytes alone; or this one gives up.
+    static bool agrees(qzregexp* prog, const char* string, unsigned long maxSteps) {
         NaiveMatcher naive(string, maxSteps);
         const bool expected = naive.match(prog->program + 1);
-        if (naive.stepsLeft == 0) return std::nullopt;
-        const unsigned short size = prog->programSize, bytesAlone = 0;
-        for (const unsigned short guided : {bytesAlone, size}) {
-            prog->programSize = guided;
+        if (naive.stepsLeft == 0) return true;
+        const unsigned short sizes[] = {0, prog->programSize}; // without its size, by the bytes
+        for (const unsigned short size : sizes) {
+            prog->programSize = size;
             if (qzregexec(prog, string) != expected) return false;
             // A block begins with its bounds.
             if (expected && std::memcmp(prog, naive.bounds, sizeof bounds) != 0) return false;

@@ -38,13 +38,15 @@ TEST(qzRegEx, SearchesUpToTheNulWhateverTheLength) {
 TEST(qzSLinearPattern, AgreesWithNaiveSearch) {
     std::mt19937 random(20);
     for (unsigned round = 0; round < 20000; ++round) {
-        const unsigned length = random() % 30;
+        // Now and then so long and so monotonous that most places nearly match.
+        const unsigned longest = round % 50 ? 40 : 3000;
+        const unsigned length = random() % longest, literalLength = 1 + random() % (longest / 8);
         std::string text;
-        while (text.size() < length + 5)
-            text += "a\0\xff"[random() % 3];
-        const std::string literal = text.substr(random() % (length + 1), 1 + random() % 5);
+        while (text.size() < length + literalLength)
+            text += "a\0\xff"[random() % longest < 30 ? random() % 3 : 0];
+        const std::string literal = text.substr(random() % (length + 1), literalLength);
         const std::size_t at = text.substr(0, length).find(literal), end = at + literal.size();
-        const qzSLinearPattern pattern(literal.data(), static_cast<unsigned>(literal.size()));
+        const qzSLinearPattern pattern(literal.data(), literalLength);
         ASSERT_EQ(find(pattern, text, length),
                   end < at ? "-1-0" : std::to_string(at) + "-" + std::to_string(end))
             << testing::PrintToString(literal) << " in " << testing::PrintToString(text);
@@ -64,20 +66,8 @@ TEST(qzSLinearPattern, DerivedClassesSeeTheFieldsAndReplaceTheSearch) {
             return std::is_sorted(fields, fields + 3) ? skip['a'] + skip[0xff] : -1;
         }
     };
-    char text[] = "a\xe9\0b";
-    const Derived pattern(text), copied(qzStr(text, 4));
-    text[0] = 'x';
-    EXPECT_EQ(find(pattern, "ab", 2), "3-5");
-    EXPECT_EQ(find(copied, "ab", 2), "7-11") << "the pattern's own copy, with its NUL";
-}
-
-TEST(qzTextPattern, SlotOrder) {
-    const auto slot = [](auto member) { // the destructor takes entries 0 and 1
-        return *reinterpret_cast<const std::size_t*>(&member) / sizeof(void*);
-    };
-    EXPECT_EQ(slot(&qzTextPattern::findBuffer), 2u);
-    EXPECT_EQ(slot(&qzTextPattern::findEndBuffer), 3u);
-    EXPECT_EQ(slot(&qzTextPattern::bracketBuffer), 4u);
+    const Derived pattern(qzStr("a\xe9\0b", 4));
+    EXPECT_EQ(find(pattern, "ab", 2), "7-11");
 }
 
 TEST(qzIsRegEx, KnowsItsCharactersAndNoOthers) {

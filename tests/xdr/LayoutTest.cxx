@@ -9,6 +9,7 @@
 #include "event/Event.h"
 #include "event/SelectHandler.h"
 #include "event/Timer.h"
+#include "regex/TextPattern.h"
 #include "util/Dictionary.h"
 #include "util/Set.h"
 #include "util/StrArray.h"
@@ -89,11 +90,13 @@ TEST(SlotOrder, SerializableBaseArrayAndStream) {
                       slot(&S::putLongs), slot(&S::putFloats), slot(&S::putDoubles)});
 }
 
-TEST(SlotOrder, DataflowObjectsAndValues) {
+TEST(SlotOrder, DataflowObjectsValuesAndPatterns) {
     expectInOrder(2, {slot(&qzData::dataName), slot(&qzData::deliverTo), slot(&qzData::getValue),
                       slot(&qzData::getSize)});
     expectInOrder(
         7, {slot(&qzObj::connect), slot(&qzObj::disconnect), slot(&qzObj::subClassMustDefine)});
+    expectInOrder(2, {slot(&qzTextPattern::findBuffer), slot(&qzTextPattern::findEndBuffer),
+                      slot(&qzTextPattern::bracketBuffer)});
     expectInOrder(10, {slot(&qzEvent::deliver), slot(&qzEvent::dump), slot(&qzEvent::getChannel)});
     expectInOrder(10, {slot(&qzSelectHandler::handleRead), slot(&qzSelectHandler::handleWrite),
                        slot(&qzSelectHandler::handleException)});
