@@ -38,6 +38,10 @@ def memory(run, _):
     return f"{run['memory']:.1f}"
 
 
+def weight(run, ours):
+    return f"{run['bytes'] / 1000:.0f} kB" if "bytes" in run else ratio(run, ours)
+
+
 def rows(label, benchmark, columns, *choices, target=None, peers=None):
     """A row for each combination of the choices, which stand for {}: its label, the benchmarks
     of the columns, each of which puts its own for *, ours first, and its target, which is beside
@@ -66,7 +70,8 @@ def pass_rows(label, benchmark, *choices):
 
 KEYS = [1000, 100000]
 KINDS = ["literal", "anchored", "alternation", "classPlus", "word"]
-ENGINES = "ours|std|pcre2|re2"
+ENGINES = "ours|std|pcre2|re2|memmem"
+LITERAL_SEARCHES = ENGINES.replace("ours", "linear")
 TRANSCRIBERS = "here|Boost.Serialization|cereal|QDataStream|`fwrite`, `fread`"
 SENDERS = "Qz|Qt5|GLib|Boost|Sigc|Libevent"
 LOOPS = "Qz|LibeventSelect|LibeventOwn|Libuv|PlainSelect"
@@ -95,10 +100,14 @@ TABLES = {  # name: cells, heads, rows
         *rows("Concatenate", "BM_*_Concatenate", "Str|StdString"),
         *rows("Find one of 30 characters in {:,}", "BM_*/{}/30",
               "Str_NextInSet|StdString_FindFirstOf", [4096])]),
-    "patterns": (ratio, "Workload|here|`std::regex`|PCRE2|RE2", [
+    "patterns": (ratio, "Workload|here|`std::regex`|PCRE2|RE2|`memmem`", [
         *rows("Compile: {}", "BM_RegExp_Compile/{}/*", ENGINES, KINDS),
-        *rows("Search 1 MB line by line: {}", "BM_RegExp_Lines/{}/*", ENGINES, KINDS),
-        *rows("Find a literal at the end of 1 MB", "BM_RegExp_Megabyte/*", ENGINES)]),
+        *rows("Search 1 MB line by line: {}", "BM_RegExp_Lines/{}/*", ENGINES, KINDS, target=1),
+        *rows("Find a literal at the end of 1 MB", "BM_RegExp_Megabyte/*", ENGINES, target=1),
+        *rows("Search 1 MB line by line: literal, `qzSLinearPattern`",
+              "BM_RegExp_Lines/literal/*", LITERAL_SEARCHES, target=1),
+        *rows("Find a literal at the end of 1 MB, `qzSLinearPattern`",
+              "BM_RegExp_Megabyte/*", LITERAL_SEARCHES, target=1)]),
     "hostile": (time, "Hostile pattern|256 bytes|4,096 bytes|262,144 bytes", [
         *rows("`(a+)+[bc]`", "BM_RegExp_Hostile/nestedPlus/*", "256|4096|262144"),
         *rows(r"`(a\|aa)*[bc]`", "BM_RegExp_Hostile/overlap/*", "256|4096|262144"),
@@ -121,6 +130,10 @@ TABLES = {  # name: cells, heads, rows
           for row in rows("Start and {} {{:,}} timers{}".format(then.lower(), kind),
                           "BM_Start{}<*>/timers:{{}}/most:{}".format(then, most), TIMERS,
                           [10, 100, 1000]))]),
+    "library": (weight, "What|here|with the standard library|with the C library alone", [
+        *rows("Start an empty program, {} time", "BM_Start/{}/*", "library|stdlib|bare",
+              ["CPU", "elapsed"], target=1.2, peers="stdlib"),
+        *rows("Shared library, stripped", "BM_Size/*", "library")]),
 }
 
 

@@ -39,11 +39,9 @@ class Gauge : public Name, public qzObj {
 int main() {
     qzInitializeToolkit();
     qzPath path("/usr/share");
-    qzStr empty;
     qzTempStr chain = path | "/doc";
     qzIntArray ints;
-    for (int i = 1; i <= 3; ++i)
-        ints.append(i * 10);
+    ints.append(10);
     qzStrArray strings;
     strings.append("one");
     strings.append("");
