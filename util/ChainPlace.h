@@ -10,6 +10,7 @@ template <class Node> struct QZ_EXPORT qzChainPlace {
     unsigned chain;
     Node* node;     // null when the key is absent
     Node* previous; // null when node heads its chain
+    unsigned hash;  // of the key in the container's index, 0 when not known
 
     // Walks one chain; Heads is the array of chain heads, matches(kvmem) tells
     // whether a node's key is the one that is looked for.
@@ -17,9 +18,9 @@ template <class Node> struct QZ_EXPORT qzChainPlace {
     static qzChainPlace find(const Heads& heads, unsigned chain, Matches matches) {
         Node* previous = nullptr;
         for (Node* node = heads[chain]; node; previous = node, node = node->next) {
-            if (matches(node->kvmem)) return {chain, node, previous};
+            if (matches(node->kvmem)) return {chain, node, previous, 0};
         }
-        return {chain, nullptr, nullptr};
+        return {chain, nullptr, nullptr, 0};
     }
 };
 

@@ -29,8 +29,8 @@ template <class Iter, class Heads> bool qzEnterNextChain(Iter& iter, const Heads
         iter.node = nullptr;
         return false;
     }
-    // Nodes lie anywhere, each mostly right behind its block: without asking for
-    // both ahead of time every step would wait for the memory.
+    // Entries lie anywhere, each with its node at the end: without asking for both
+    // ahead of time every step would wait for the memory.
     const unsigned ahead = 12;
     if (chains - iter.bucket > ahead) {
         const auto soon = reinterpret_cast<std::uintptr_t>(table[iter.bucket + ahead]);

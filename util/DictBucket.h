@@ -4,9 +4,9 @@
 #ifndef QZ_UTIL_DICTBUCKET_H
 #define QZ_UTIL_DICTBUCKET_H
 
-#include "util/Export.h"
+#include "util/ChainNode.h"
 
-class QZ_EXPORT qzDictBucket {
+class QZ_EXPORT qzDictBucket : public qzChainNode {
   public:
     qzDictBucket(char* kvmem, qzDictBucket* next) : kvmem(kvmem), next(next) {}
     qzDictBucket(const qzDictBucket&) = delete;

@@ -1,12 +1,12 @@
 #include "util/Dictionary.h"
 
 #include "util/DictIter.h"
-#include "util/detail/Chains.h"
+#include "util/detail/IndexedChains.h"
 #include "xdr/BinaryReader.h"
 
 qzTypeObj qzDictionary_type("qzDictionary", 1, nullptr, nullptr, qzDictionary::xdr);
 
-qzDictBucket::~qzDictBucket() { qzRawFree(kvmem); }
+qzDictBucket::~qzDictBucket() { release(kvmem); }
 
 qzDictionary::qzDictionary(unsigned keySize, unsigned valueSize, unsigned initialBuckets)
     : numItems(0), keySize(keySize), valueSize(valueSize),
@@ -19,7 +19,7 @@ qzDictionary::qzDictionary(const qzDictionary& other)
 qzDictionary::qzDictionary(qzTypeObj& type)
     : qzXDRObj(type), numItems(0), keySize(0), valueSize(0) {}
 
-qzDictionary::~qzDictionary() = default;
+qzDictionary::~qzDictionary() { qzForgetIndex(this); }
 
 // The value's address goes by this dictionary's key size: both have keys of one
 // type.
@@ -46,12 +46,42 @@ void qzDictionary::destroyKey(void*) const {}
 
 void qzDictionary::destroyValue(void*) const {}
 
-// Every lookup comes through here.
+// A class derived from this one may have changed the chains without asking: an
+// index that has come not to fit is dropped before it seems to fit again.
+KeyIndex* qzDictionary::index() const {
+    if (!isLarge()) return nullptr;
+    KeyIndex* const fitting = Chains::fitting(this, buckets, numItems);
+    if (!fitting) Chains::dropMisfit(this);
+    return fitting;
+}
+
+qzDictionary::Place qzDictionary::walk(const void* key, unsigned chain) const {
+    return Place::find(buckets, chain,
+                       [this, key](const void* nodeKey) { return compareKeys(key, nodeKey) == 0; });
+}
+
+// Every lookup comes through here, or through the two that follow. An index is
+// not made here, where nothing is known of the keys, but used.
 qzDictionary::Place qzDictionary::locate(const void* key) const {
     const unsigned chains = buckets.length();
-    if (chains == 0) return {0, nullptr, nullptr};
-    return Place::find(buckets, hashKey(key) % chains,
-                       [this, key](const void* nodeKey) { return compareKeys(key, nodeKey) == 0; });
+    if (chains == 0) return {0, nullptr, nullptr, 0};
+    const unsigned chain = hashKey(key) % chains;
+    const KeyIndex* const known = index();
+    return known ? Chains::find(*known, key, chain) : walk(key, chain);
+}
+
+qzDictionary::Place qzDictionary::locateIndexed(const void* key, unsigned chain,
+                                                qzKeyKind kind) const {
+    const KeyIndex* index = Chains::fitting(this, buckets, numItems);
+    if (!index) index = Chains(this, buckets, numItems).make(kind, entryBytes());
+    return index ? Chains::find(*index, key, chain) : walk(key, chain);
+}
+
+char* qzDictionary::findIndexed(const void* key, qzKeyKind kind) const {
+    const KeyIndex* const index = Chains::fitting(this, buckets, numItems);
+    if (index) return index->findBlock(key);
+    const qzDictBucket* const node = locateIndexed(key, hashKey(key) % buckets.length(), kind).node;
+    return node ? node->kvmem : nullptr;
 }
 
 // For an entry that goes in if absent. A dictionary that a reader made and never
@@ -61,13 +91,26 @@ qzDictionary::Place qzDictionary::locateForAdd(const void* key) {
     return locate(key);
 }
 
-char* qzDictionary::newBlock() const {
-    return static_cast<char*>(qzRawAlloc(std::size_t(keySize) + valueSize));
+char* qzDictionary::newBlock() const { return qzNewBlock<qzDictBucket>(entryBytes()); }
+
+qzDictBucket* qzDictionary::hang(unsigned chain, char* block) {
+    const bool wasLarge = isLarge();
+    ++numItems;
+    if (!wasLarge && isLarge()) qzForgetIndex(this);
+    return buckets[chain] = qzNewNode(block, entryBytes(), buckets[chain]);
 }
 
+// Nothing is known of the block: the next lookup makes the index anew.
 qzDictBucket* qzDictionary::link(unsigned chain, char* block) {
-    ++numItems;
-    return buckets[chain] = new qzDictBucket(block, buckets[chain]);
+    if (isLarge()) qzForgetIndex(this);
+    return hang(chain, block);
+}
+
+qzDictBucket* qzDictionary::link(const Place& place, char* block) {
+    KeyIndex* const known = index();
+    qzDictBucket* const node = hang(place.chain, block);
+    if (known) Chains::added(*known, node, place.hash);
+    return node;
 }
 
 qzDictBucket* qzDictionary::replaceValue(qzDictBucket* node, const void* value) {
@@ -84,7 +127,7 @@ qzDictBucket* qzDictionary::addInternal(const void* key, const void* value) {
     char* block = newBlock();
     copyKey(key, block);
     copyValue(value, block + keySize);
-    return link(place.chain, block);
+    return link(place, block);
 }
 
 void* qzDictionary::find(const void* key, void** bucketOut) const {
@@ -93,27 +136,35 @@ void* qzDictionary::find(const void* key, void** bucketOut) const {
     return node ? valueOf(node) : nullptr;
 }
 
-void* qzDictionary::findCreate(const void* key) {
-    const Place place = locateForAdd(key);
+void* qzDictionary::findCreate(const void* key) { return valueAt(locateForAdd(key), key); }
+
+void* qzDictionary::valueAt(const Place& place, const void* key) {
     if (place.node) return valueOf(place.node);
     char* block = newBlock();
     copyKey(key, block);
     createValue(block + keySize);
-    return valueOf(link(place.chain, block));
+    return valueOf(link(place, block));
 }
 
-void qzDictionary::unlink(const Place& place) { qzUnlink(buckets, place); }
+void qzDictionary::unlink(const Place& place) {
+    KeyIndex* const known = index();
+    if (known) Chains::removing(*known, place);
+    qzUnlink(buckets, place);
+}
 
 // The rest of a removal, once the node hangs nowhere and its key and value are
 // destroyed.
 void qzDictionary::discard(qzDictBucket* node) {
     invalidateIters(node);
-    delete node;
+    qzFreeNode(node, entryBytes());
+    const bool wasLarge = isLarge();
     --numItems;
+    if (wasLarge && !isLarge()) qzForgetIndex(this);
 }
 
-void qzDictionary::remove(const void* key) {
-    const Place place = locate(key);
+void qzDictionary::remove(const void* key) { removeAt(locate(key)); }
+
+void qzDictionary::removeAt(const Place& place) {
     if (!place.node) return;
     unlink(place);
     destroyKey(place.node->kvmem);
@@ -121,8 +172,9 @@ void qzDictionary::remove(const void* key) {
     discard(place.node);
 }
 
-void* qzDictionary::cut(const void* key) {
-    const Place place = locate(key);
+void* qzDictionary::cut(const void* key) { return cutAt(locate(key)); }
+
+void* qzDictionary::cutAt(const Place& place) {
     if (!place.node) return nullptr;
     unlink(place);
     void* value = qzRawAlloc(valueSize);
@@ -134,12 +186,13 @@ void* qzDictionary::cut(const void* key) {
 
 void qzDictionary::cleanup() {
     if (numItems == 0) return;
+    qzForgetIndex(this);
     bool anyEntry = false;
     unsigned left = numItems; // at most: chains beyond the last entry are not walked
     qzVisitNodes(buckets, [this, &anyEntry, &left](qzDictBucket* node, unsigned chain) {
         destroyKey(node->kvmem);
         destroyValue(valueOf(node));
-        delete node;
+        qzFreeNode(node, entryBytes());
         buckets[chain] = nullptr; // the walk has the rest of the chain in hand
         anyEntry = true;
         return --left > 0;
@@ -211,16 +264,16 @@ unsigned char qzDictionary::readEntries(qzTranscriber& t, unsigned streamKeySize
 }
 
 unsigned char qzDictionary::readEntry(qzTranscriber& t) {
-    const std::size_t nbytes = std::size_t(keySize) + valueSize;
+    const std::size_t nbytes = entryBytes();
     if (nbytes < keySize) return 0;
-    char* block = static_cast<char*>(qzRawTryAlloc(nbytes));
+    char* block = qzTryNewBlock<qzDictBucket>(nbytes);
     if (!block && nbytes) return 0;
     qzRawZero(block, nbytes);
     if (xdrKey(t, block)) {
         if (xdrValue(t, block + keySize)) {
             unsigned chain;
             if (t.xdr(&chain, 1) && chain < buckets.length()) {
-                link(chain, block);
+                hang(chain, block);
                 return 1;
             }
             destroyValue(block + keySize);

@@ -26,6 +26,10 @@
 #include "util/ChainPlace.h"
 #include "util/DictBuckets.h"
 #include "util/DictIters.h"
+#include "util/KeyKind.h"
+
+template <class Heads> class IndexedChains;
+class KeyIndex;
 
 class QZ_EXPORT qzDictionary : public qzXDRObj {
     friend class qzDictIter;
@@ -107,11 +111,24 @@ class QZ_EXPORT qzDictionary : public qzXDRObj {
     using Place = qzChainPlace<qzDictBucket>;
     // Every lookup of the base comes through here.
     Place locate(const void* key) const;
+    // Whether an index may be worth its while.
+    bool isLarge() const { return numItems / 4 > buckets.length() + 16; }
+    // For a large dictionary whose hashKey() and compareKeys() are those of keys of
+    // this kind, and a key that belongs into this chain: through an index that is
+    // made where there is none. findIndexed() returns the entry's block, or null.
+    Place locateIndexed(const void* key, unsigned chain, qzKeyKind kind) const;
+    char* findIndexed(const void* key, qzKeyKind kind) const;
     // The pieces of addInternal(): a new value for a node; a block for a key and
-    // a value, and the node that hangs it into a chain.
+    // a value, and the node in it that hangs it into a chain, or to where the key
+    // was looked for.
     qzDictBucket* replaceValue(qzDictBucket* node, const void* value);
     char* newBlock() const;
     qzDictBucket* link(unsigned chain, char* block);
+    qzDictBucket* link(const Place& place, char* block);
+    // findCreate(), remove() and cut() of what was found, or not.
+    void* valueAt(const Place& place, const void* key);
+    void removeAt(const Place& place);
+    void* cutAt(const Place& place);
     char* valueOf(const qzDictBucket* node) const { return node->kvmem + keySize; }
 
     // doxdr() with the sizes that a key and a value have in a stream.
@@ -124,7 +141,13 @@ class QZ_EXPORT qzDictionary : public qzXDRObj {
     qzDictIters iters;     // attached iterators, in the order of attaching
 
   private:
+    using Chains = IndexedChains<qzDictBuckets>;
+
+    std::size_t entryBytes() const { return std::size_t(keySize) + valueSize; }
+    Place walk(const void* key, unsigned chain) const;
+    KeyIndex* index() const;
     Place locateForAdd(const void* key);
+    qzDictBucket* hang(unsigned chain, char* block);
     void unlink(const Place& place);
     void discard(qzDictBucket* node);
     unsigned char writeEntries(qzTranscriber& t, unsigned streamKeySize, unsigned streamValueSize);

@@ -6,12 +6,12 @@
 #include "util/Fatal.h"
 #include "util/SetIter.h"
 #include "util/TmpSet.h"
-#include "util/detail/Chains.h"
+#include "util/detail/IndexedChains.h"
 #include "xdr/BinaryReader.h"
 
 qzTypeObj qzSet_type("qzSet", 1, nullptr, nullptr, qzSet::xdr);
 
-qzSetBucket::~qzSetBucket() { qzRawFree(kvmem); }
+qzSetBucket::~qzSetBucket() { release(kvmem); }
 
 qzSet::qzSet(unsigned keySize, unsigned initialBuckets)
     : buckets(initialBuckets ? initialBuckets : qzDefaultChains), numItems(0), keySize(keySize) {}
@@ -30,7 +30,7 @@ qzSet& qzSet::operator=(const qzSet& other) {
     return *this;
 }
 
-qzSet::~qzSet() = default;
+qzSet::~qzSet() { qzForgetIndex(this); }
 
 unsigned char qzSet::xdr(qzTranscriber& t) { return t.xdr(qzSet_type, this, this); }
 
@@ -50,14 +50,42 @@ void qzSet::copyKey(const void* src, void* dst) const { qzRawMove(dst, src, keyS
 
 void qzSet::destroyKey(void*) const {}
 
-// Every lookup comes through here. An empty set is not looked into: it may have
-// no chains, or after cleanup() stale ones.
-qzSet::Place qzSet::locate(const void* key) const {
-    const unsigned chains = buckets.length();
-    if (chains == 0) return {0, nullptr, nullptr};
-    if (numItems == 0) return {hashKey(key) % chains, nullptr, nullptr};
-    return Place::find(buckets, hashKey(key) % chains,
+// A class derived from this one may have changed the chains without asking: an
+// index that has come not to fit is dropped before it seems to fit again.
+KeyIndex* qzSet::index() const {
+    if (!isLarge()) return nullptr;
+    KeyIndex* const fitting = Chains::fitting(this, buckets, numItems);
+    if (!fitting) Chains::dropMisfit(this);
+    return fitting;
+}
+
+qzSet::Place qzSet::walk(const void* key, unsigned chain) const {
+    return Place::find(buckets, chain,
                        [this, key](const void* nodeKey) { return compareKeys(key, nodeKey) == 0; });
+}
+
+// Every lookup comes through here, or through the two that follow. An empty set
+// is not looked into: it may have no chains, or after cleanup() stale ones.
+qzSet::Place qzSet::locate(const void* key, qzKeyKind kind) const {
+    const unsigned chains = buckets.length();
+    if (chains == 0) return {0, nullptr, nullptr, 0};
+    const unsigned chain = hashKey(key) % chains;
+    if (numItems == 0) return {chain, nullptr, nullptr, 0};
+    if (isLarge()) return locateIndexed(key, chain, kind);
+    return walk(key, chain);
+}
+
+qzSet::Place qzSet::locateIndexed(const void* key, unsigned chain, qzKeyKind kind) const {
+    const KeyIndex* index = Chains::fitting(this, buckets, numItems);
+    if (!index) index = Chains(this, buckets, numItems).make(kind, keySize);
+    return index ? Chains::find(*index, key, chain) : walk(key, chain);
+}
+
+char* qzSet::findIndexed(const void* key, qzKeyKind kind) const {
+    const KeyIndex* const index = Chains::fitting(this, buckets, numItems);
+    if (index) return index->findBlock(key);
+    const qzSetBucket* const node = locateIndexed(key, hashKey(key) % buckets.length(), kind).node;
+    return node ? node->kvmem : nullptr;
 }
 
 // Every walk over the keys comes through here, for the same reason.
@@ -65,58 +93,69 @@ template <class Visit> bool qzSet::visitKeys(const qzSet& set, Visit visit) {
     return set.numItems == 0 || qzVisitNodes(set.buckets, visit);
 }
 
-void qzSet::link(unsigned chain, char* block) {
-    assert(numItems || !buckets[chain]); // no use after cleanup()
-    buckets[chain] = new qzSetBucket(block, buckets[chain]);
+void qzSet::link(const Place& place, char* block) {
+    assert(numItems || !buckets[place.chain]); // no use after cleanup()
+    const bool wasLarge = isLarge();
+    KeyIndex* const known = index();
+    qzSetBucket*& head = buckets[place.chain];
+    head = qzNewNode(block, keySize, head);
     ++numItems;
+    if (!wasLarge && isLarge()) qzForgetIndex(this);
+    if (known) Chains::added(*known, head, place.hash);
 }
 
-void qzSet::add(const void* key) {
-    const Place place = locate(key);
+void qzSet::add(const void* key) { add(key, qzKeyKind::other); }
+
+void qzSet::add(const void* key, qzKeyKind kind) { addAt(locate(key, kind), key); }
+
+void qzSet::addAt(const Place& place, const void* key) {
     if (place.node) return;
     if (buckets.length() == 0) qzFatal("qzSet: a set without chains takes no keys");
-    char* block = static_cast<char*>(qzRawAlloc(keySize));
+    char* block = qzNewBlock<qzSetBucket>(keySize);
     copyKey(key, block);
-    link(place.chain, block);
+    link(place, block);
 }
 
-void* qzSet::find(const void* key) const {
-    const qzSetBucket* node = locate(key).node;
+void* qzSet::find(const void* key) const { return find(key, qzKeyKind::other); }
+
+void* qzSet::find(const void* key, qzKeyKind kind) const {
+    const qzSetBucket* node = locate(key, kind).node;
     return node ? node->kvmem : nullptr;
 }
 
 // The rest of a removal, once the key is destroyed.
 void qzSet::discard(qzSetBucket* node) {
     invalidateIters(node);
-    delete node;
+    qzFreeNode(node, keySize);
+    const bool wasLarge = isLarge();
     --numItems;
+    if (wasLarge && !isLarge()) qzForgetIndex(this);
 }
 
 void qzSet::removeAt(const Place& place) {
+    if (!place.node) return;
+    KeyIndex* const known = index();
+    if (known) Chains::removing(*known, place);
     qzUnlink(buckets, place);
     destroyKey(place.node->kvmem);
     discard(place.node);
 }
 
-void qzSet::remove(const void* key) {
-    const Place place = locate(key);
-    if (place.node) removeAt(place);
-}
+void qzSet::remove(const void* key) { removeAt(locate(key, qzKeyKind::other)); }
 
-qzSet& qzSet::operator|=(const qzSet& other) {
-    visitKeys(other, [this](qzSetBucket* node, unsigned) {
-        add(node->kvmem);
+void qzSet::unite(const qzSet& other, qzKeyKind kind) {
+    visitKeys(other, [this, kind](qzSetBucket* node, unsigned) {
+        add(node->kvmem, kind);
         return true;
     });
-    return *this;
 }
 
-qzSet& qzSet::operator&=(const qzSet& other) {
+void qzSet::intersect(const qzSet& other, qzKeyKind otherKind) {
     for (unsigned chain = 0; numItems && chain < buckets.length(); ++chain) {
-        Place place = {chain, buckets[chain], nullptr};
+        Place place = {chain, buckets[chain], nullptr, 0};
         while (place.node) {
             qzSetBucket* const next = place.node->next;
-            if (other.contains(place.node->kvmem)) {
+            if (other.find(place.node->kvmem, otherKind)) {
                 place.previous = place.node;
             } else {
                 removeAt(place);
@@ -124,14 +163,27 @@ qzSet& qzSet::operator&=(const qzSet& other) {
             place.node = next;
         }
     }
+}
+
+void qzSet::subtract(const qzSet& other, qzKeyKind kind) {
+    visitKeys(other, [this, kind](qzSetBucket* node, unsigned) {
+        removeAt(locate(node->kvmem, kind));
+        return true;
+    });
+}
+
+qzSet& qzSet::operator|=(const qzSet& other) {
+    unite(other, qzKeyKind::other);
+    return *this;
+}
+
+qzSet& qzSet::operator&=(const qzSet& other) {
+    intersect(other, qzKeyKind::other);
     return *this;
 }
 
 qzSet& qzSet::operator-=(const qzSet& other) {
-    visitKeys(other, [this](qzSetBucket* node, unsigned) {
-        remove(node->kvmem);
-        return true;
-    });
+    subtract(other, qzKeyKind::other);
     return *this;
 }
 
@@ -159,6 +211,7 @@ qzTmpSet qzSet::operator-(const qzSet&) const {
 
 // Iterators are told of every removal, so the last one has finished them all.
 void qzSet::cleanup() {
+    qzForgetIndex(this);
     visitKeys(*this, [this](qzSetBucket* node, unsigned) {
         destroyKey(node->kvmem);
         discard(node);
@@ -212,13 +265,13 @@ unsigned char qzSet::readKeys(qzTranscriber& t, unsigned streamKeySize) {
 }
 
 unsigned char qzSet::readKey(qzTranscriber& t) {
-    char* block = static_cast<char*>(qzRawTryAlloc(keySize));
+    char* block = qzTryNewBlock<qzSetBucket>(keySize);
     if (!block && keySize) return 0;
     qzRawZero(block, keySize);
     if (xdrKey(t, block)) {
         unsigned chain;
         if (t.xdr(&chain, 1) && chain < buckets.length()) {
-            link(chain, block);
+            link({chain, nullptr, nullptr, 0}, block);
             return 1;
         }
         destroyKey(block);

@@ -16,10 +16,13 @@
 #define QZ_UTIL_SET_H
 
 #include "util/ChainPlace.h"
+#include "util/KeyKind.h"
 #include "util/SetBuckets.h"
 #include "util/SetIters.h"
 
 class qzTmpSet;
+template <class Heads> class IndexedChains;
+class KeyIndex;
 
 class QZ_EXPORT qzSet : public qzXDRObj {
     friend class qzSetIter;
@@ -95,8 +98,21 @@ class QZ_EXPORT qzSet : public qzXDRObj {
 
   protected:
     using Place = qzChainPlace<qzSetBucket>;
+    // What follows takes the kind of keys whose hashKey() and compareKeys() the set
+    // has: a large set of such keys gets an index.
     // Every lookup of the base comes through here.
-    Place locate(const void* key) const;
+    Place locate(const void* key, qzKeyKind kind = qzKeyKind::other) const;
+    bool isLarge() const { return numItems / 4 > buckets.length() + 16; }
+    // For a large set and a key that belongs into this chain; findIndexed() returns
+    // the key's block, or null.
+    Place locateIndexed(const void* key, unsigned chain, qzKeyKind kind) const;
+    char* findIndexed(const void* key, qzKeyKind kind) const;
+    // add() and remove() of what was found, or not.
+    void addAt(const Place& place, const void* key);
+    void removeAt(const Place& place);
+    void unite(const qzSet& other, qzKeyKind kind);
+    void intersect(const qzSet& other, qzKeyKind otherKind);
+    void subtract(const qzSet& other, qzKeyKind kind);
 
     // doxdr() with the size that a key has in a stream.
     unsigned char xdrKeys(qzTranscriber& t, unsigned streamKeySize);
@@ -108,9 +124,14 @@ class QZ_EXPORT qzSet : public qzXDRObj {
 
   private:
     template <class Visit> static bool visitKeys(const qzSet& set, Visit visit);
-    void link(unsigned chain, char* block);
+    using Chains = IndexedChains<qzSetBuckets>;
+
+    Place walk(const void* key, unsigned chain) const;
+    KeyIndex* index() const;
+    void* find(const void* key, qzKeyKind kind) const;
+    void add(const void* key, qzKeyKind kind);
+    void link(const Place& place, char* block);
     void discard(qzSetBucket* node);
-    void removeAt(const Place& place);
     unsigned char writeKeys(qzTranscriber& t, unsigned streamKeySize);
     unsigned char readKeys(qzTranscriber& t, unsigned streamKeySize);
     unsigned char readKey(qzTranscriber& t);

@@ -4,9 +4,9 @@
 #ifndef QZ_UTIL_SETBUCKET_H
 #define QZ_UTIL_SETBUCKET_H
 
-#include "util/Export.h"
+#include "util/ChainNode.h"
 
-class QZ_EXPORT qzSetBucket {
+class QZ_EXPORT qzSetBucket : public qzChainNode {
   public:
     qzSetBucket(char* kvmem, qzSetBucket* next) : kvmem(kvmem), next(next) {}
     qzSetBucket(const qzSetBucket&) = delete;

@@ -2,6 +2,7 @@
 #ifndef QZ_UTIL_STRKEYS_H
 #define QZ_UTIL_STRKEYS_H
 
+#include "util/KeyKind.h"
 #include "util/Str.h"
 
 struct QZ_EXPORT qzStrKeys {
@@ -15,5 +16,7 @@ struct QZ_EXPORT qzStrKeys {
         return ::compare(a, b);
     }
 };
+
+template <> inline constexpr qzKeyKind qzKindOfKeys<qzStrKeys> = qzKeyKind::text;
 
 #endif

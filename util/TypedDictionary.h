@@ -54,19 +54,19 @@ class QZ_EXPORT qzTypedDictionary : public qzTypedKeys<qzDictionary, Keys, Deriv
     // and never written; callers pass what they have at hand. Pinned by
     // qzStrStrDictionary.FindLeavesItsSecondArgumentAlone.
     Value* find(const Key& key, Value** = nullptr) const {
-        const qzDictBucket* node = this->place(key).node;
-        return node ? valueAt(node) : nullptr;
+        char* const block = this->blockOf(key);
+        return block ? reinterpret_cast<Value*>(block + sizeof(Key)) : nullptr;
     }
     // The value; an absent key is inserted with an empty one (null, 0).
     Value& operator[](const Key& key) {
-        const qzDictBucket* node = this->place(key).node;
-        return node ? *valueAt(node) : *static_cast<Value*>(this->findCreate(&key));
+        if (this->size() == 0) return *static_cast<Value*>(this->findCreate(&key));
+        return *static_cast<Value*>(this->valueAt(this->place(key), &key));
     }
     // Removes the entry; returns a block from malloc that holds its live value,
     // to be destroyed and freed by the caller, or null. The key is taken by
     // value: it may be the dictionary's own.
-    Value* cut(Key key) { return static_cast<Value*>(qzDictionary::cut(&key)); }
-    void remove(Key key) { qzDictionary::remove(&key); }
+    Value* cut(Key key) { return static_cast<Value*>(this->cutAt(this->place(key))); }
+    void remove(Key key) { this->removeAt(this->place(key)); }
 
     unsigned char doxdr(qzTranscriber& t) {
         return this->xdrEntries(t, qzStreamSize<Key>(), qzStreamSize<Value>());
@@ -85,10 +85,6 @@ class QZ_EXPORT qzTypedDictionary : public qzTypedKeys<qzDictionary, Keys, Deriv
 
   private:
     using typename Base::Place;
-
-    static Value* valueAt(const qzDictBucket* node) {
-        return reinterpret_cast<Value*>(node->kvmem + sizeof(Key));
-    }
 };
 
 // Every entry keeps its chain: that is right for any hash, and a class derived
@@ -116,7 +112,7 @@ qzDictBucket* qzTypedDictionary<Derived, Keys, V>::addInternal(const void* key, 
     char* block = this->newBlock();
     qzTypedEntry<Key>::copy(key, block);
     qzTypedEntry<Value>::copy(value, block + sizeof(Key));
-    return this->link(at.chain, block);
+    return this->link(at, block);
 }
 
 // qzTypedDictIter: the iterator of a member; what it points at has its type.

@@ -7,6 +7,7 @@
 
 #include <typeinfo>
 
+#include "util/KeyKind.h"
 #include "util/TypedEntry.h"
 
 template <class Base, class Keys, class Derived> class QZ_EXPORT qzTypedKeys : public Base {
@@ -14,6 +15,8 @@ template <class Base, class Keys, class Derived> class QZ_EXPORT qzTypedKeys : p
     using Key = typename Keys::Key;
 
   protected:
+    static constexpr qzKeyKind kind = qzKindOfKeys<Keys>;
+
     using Base::Base;
     using typename Base::Place;
 
@@ -32,10 +35,24 @@ template <class Base, class Keys, class Derived> class QZ_EXPORT qzTypedKeys : p
     // A class derived from the member may have other hooks; without one the
     // compiler knows them, and lookups need not call them.
     bool hooksAreOurs() const { return typeid(*this) == typeid(Derived); }
+    // The kind of keys that the base may rely on.
+    qzKeyKind keyKind() const { return hooksAreOurs() ? kind : qzKeyKind::other; }
     Place place(const Key& key) const {
         if (this->size() == 0 || !hooksAreOurs()) return this->locate(&key);
-        const unsigned chain = Keys::hash(key) % this->buckets.length();
-        return Place::find(this->buckets, chain, [&key](const void* nodeKey) {
+        return usesIndex() ? this->locateIndexed(&key, chainOf(key), kind) : walkTo(key);
+    }
+    // The block of the key's entry, or null.
+    char* blockOf(const Key& key) const {
+        if (usesIndex() && hooksAreOurs()) return this->findIndexed(&key, kind);
+        const auto* const node = place(key).node;
+        return node ? node->kvmem : nullptr;
+    }
+
+  private:
+    bool usesIndex() const { return kind != qzKeyKind::other && this->isLarge(); }
+    unsigned chainOf(const Key& key) const { return Keys::hash(key) % this->buckets.length(); }
+    Place walkTo(const Key& key) const {
+        return Place::find(this->buckets, chainOf(key), [&key](const void* nodeKey) {
             return Keys::compare(key, qzTypedEntry<Key>::at(nodeKey)) == 0;
         });
     }

@@ -30,19 +30,27 @@ class QZ_EXPORT qzTypedSet : public qzTypedKeys<qzSet, Keys, Derived> {
         return *this;
     }
 
-    void add(const Key& key) { qzSet::add(&key); }
-    bool contains(const Key& key) const { return this->place(key).node; }
+    void add(const Key& key) { this->addAt(this->place(key), &key); }
+    bool contains(const Key& key) const { return this->blockOf(key); }
     // Address of the stored key, or null.
     const Key* find(const Key& key) const {
-        const qzSetBucket* node = this->place(key).node;
-        return node ? reinterpret_cast<const Key*>(node->kvmem) : nullptr;
+        return reinterpret_cast<const Key*>(this->blockOf(key));
     }
     // The key is taken by value: it may be the set's own.
-    void remove(Key key) { qzSet::remove(&key); }
+    void remove(Key key) { this->removeAt(this->place(key)); }
 
-    Derived& operator|=(const Derived& other) { return combined(qzSet::operator|=(other)); }
-    Derived& operator&=(const Derived& other) { return combined(qzSet::operator&=(other)); }
-    Derived& operator-=(const Derived& other) { return combined(qzSet::operator-=(other)); }
+    Derived& operator|=(const Derived& other) {
+        this->unite(other, this->keyKind());
+        return *operator&();
+    }
+    Derived& operator&=(const Derived& other) {
+        this->intersect(other, other.keyKind());
+        return *operator&();
+    }
+    Derived& operator-=(const Derived& other) {
+        this->subtract(other, this->keyKind());
+        return *operator&();
+    }
     // Print that they are missing, and abort; see qzSet.
     qzTmpSet operator|(const Derived& other) const { return qzSet::operator|(other); }
     qzTmpSet operator&(const Derived& other) const { return qzSet::operator&(other); }
@@ -55,9 +63,6 @@ class QZ_EXPORT qzTypedSet : public qzTypedKeys<qzSet, Keys, Derived> {
         if (t.isReading()) this->keySize = sizeof(Key); // the copy of an empty set has none
         return this->xdrKeys(t, this->keySize ? qzStreamSize<Key>() : 0);
     }
-
-  private:
-    static Derived& combined(qzSet& self) { return static_cast<Derived&>(self); }
 };
 
 // qzTypedSetIter: the iterator of a member; what it points at has its type.

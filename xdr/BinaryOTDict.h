@@ -14,6 +14,7 @@ struct QZ_EXPORT qzAddressKeys {
     static unsigned hash(unsigned long key) { return static_cast<unsigned>(key >> 2); }
     static int compare(unsigned long a, unsigned long b) { return a != b; }
 };
+template <> inline constexpr qzKeyKind qzKindOfKeys<qzAddressKeys> = qzKeyKind::word;
 
 class QZ_EXPORT qzBinaryOTDict
     : public qzTypedDictionary<qzBinaryOTDict, qzAddressKeys, unsigned long> {

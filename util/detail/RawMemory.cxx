@@ -1,5 +1,8 @@
 #include "util/detail/RawMemory.h"
 
+#include <cstdint>
+#include <malloc.h>
+
 #include "util/Fatal.h"
 
 namespace {
@@ -34,6 +37,12 @@ void* qzRawResize(void* block, std::size_t bytes) {
         return fits ? block : reallocate(block, bytes);
     }
     return qzRawGrowBlock(block, bytes);
+}
+
+bool qzRawReaches(void* block, const void* byte) {
+    const auto distance =
+        reinterpret_cast<std::uintptr_t>(byte) - reinterpret_cast<std::uintptr_t>(block);
+    return distance < malloc_usable_size(block);
 }
 
 void* qzRawGrowBlock(void* block, std::size_t bytes) {

@@ -71,6 +71,9 @@ inline void* qzRawGrow(void* block, std::size_t bytes) {
     return bytes <= qzRawUsable(block) ? block : qzRawGrowBlock(block, bytes);
 }
 
+// Whether the block, from malloc, has this byte.
+bool qzRawReaches(void* block, const void* byte);
+
 inline void qzRawFree(void* block) { std::free(block); }
 
 // Sizes are kept in 32 bits: what does not fit them cannot be held.
