@@ -23,6 +23,17 @@ struct LiveAddresses : std::set<const void*> {
     void destroy(const void* at) { EXPECT_EQ(erase(at), 1u) << "destroyed, but not alive"; }
 };
 
+// XOR of whole words, least significant byte first.
+inline unsigned hashOfWords(const std::string& key) {
+    unsigned hash = 0;
+    for (unsigned i = 0; i < key.size() / 4 * 4; ++i)
+        hash ^= unsigned(static_cast<unsigned char>(key[i])) << i % 4 * 8;
+    return hash;
+}
+inline bool sameBytes(const std::string& searched, const std::string& stored) {
+    return searched == stored;
+}
+
 // The entries in the order of a walk: by chain, newest first. A set has no values.
 struct ChainModel {
     struct Entry {
@@ -37,27 +48,28 @@ struct ChainModel {
     explicit ChainModel(unsigned n) : chains(n ? n : 31) {}
 
     Entry* find(const std::string& key) {
+        const unsigned chain = hash(key) % chains;
         for (Entry& entry : entries)
-            if (entry.key == key) return &entry;
+            if (entry.chain == chain && equal(key, entry.key)) return &entry;
         return nullptr;
     }
     void add(const std::string& key, const std::string& value = "") {
         if (Entry* entry = find(key)) {
             entry->value = value;
-            return;
+        } else {
+            push(hash(key) % chains, key, value);
         }
-        unsigned hash = 0; // XOR of whole words, least significant byte first
-        for (unsigned i = 0; i < key.size() / 4 * 4; ++i)
-            hash ^= unsigned(static_cast<unsigned char>(key[i])) << i % 4 * 8;
-        entries.insert(entries.begin(), {hash % chains, key, value});
-        std::stable_sort(entries.begin(), entries.end(),
-                         [](const Entry& a, const Entry& b) { return a.chain < b.chain; });
+    }
+    void push(unsigned chain, const std::string& key, const std::string& value) {
+        entries.insert(std::find_if(entries.begin(), entries.end(),
+                                    [chain](const Entry& entry) { return entry.chain >= chain; }),
+                       {chain, key, value});
     }
     void remove(const std::string& key) {
         const Entry* const entry = find(key);
         if (!entry) return;
         for (Iter& iter : iters) {
-            if (iter.key != key) continue;
+            if (iter.key != entry->key) continue;
             enter(iter, entry + 1);
             iter.removed = true;
         }
@@ -65,7 +77,11 @@ struct ChainModel {
     }
     void step(Iter& iter) {
         if (iter.key.empty()) return;
-        if (!iter.removed) return enter(iter, find(iter.key) + 1);
+        if (!iter.removed) {
+            const auto under = std::find_if(entries.begin(), entries.end(),
+                                            [&](const Entry& e) { return e.key == iter.key; });
+            return enter(iter, entries.data() + (under - entries.begin()) + 1);
+        }
         iter.removed = false;
     }
     void enter(Iter& iter, const Entry* at) {
@@ -73,7 +89,9 @@ struct ChainModel {
         iter.key = iter.removed ? "" : at->key;
     }
 
-    const unsigned chains;
+    unsigned chains;
+    unsigned (*hash)(const std::string&) = hashOfWords;
+    bool (*equal)(const std::string& searched, const std::string& stored) = sameBytes;
     std::vector<Entry> entries;
     std::vector<Iter> iters;
 };
