@@ -68,7 +68,18 @@ def pass_rows(label, benchmark, *choices):
     return rows(label, benchmark, LOOPS, *choices, target=1.1, peers="PlainSelect")
 
 
+def operations(label, keys, columns, target=None):
+    return [row for operation, its in OPERATIONS.items()
+            for row in rows(f"{{}} {{:,}} {label}", f"BM_{{}}<*, {keys}>/{{}}", columns, [operation],
+                            KEYS, target=target or its)]
+
+
 KEYS = [1000, 100000]
+HASH_TABLES = "here|`std::unordered_map`|Boost|Abseil flat|`QHash`|`GHashTable`"
+DICTIONARIES = "StrDict|StdDict|BoostDict|AbslDict|QtDict|GLibMap"
+INT_DICTIONARIES = "WordDict|StdInts|BoostInts|AbslInts|QtInts|GLibInts"
+SETS = "OurSet|StdSet|BoostSet|AbslSet|QtStrSet|GLibSet"
+OPERATIONS = {"Hit": 1.1, "Miss": 1.1, "Insert": 1.5, "Remove": 1.5, "Iterate": 2}
 KINDS = ["literal", "anchored", "alternation", "classPlus", "word"]
 ENGINES = "ours|std|pcre2|re2|memmem"
 LITERAL_SEARCHES = ENGINES.replace("ours", "linear")
@@ -83,15 +94,15 @@ TABLES = {  # name: cells, heads, rows
         *rows("Index {:,} ints", "BM_*_IndexInt/{}", "Array|Vector", [65536]),
         *rows("Copy an array of {:,} ints", "BM_*_CopyInt/{}", "Array|Vector", [1048576]),
         *rows("Sort {:,} ints (beside `qsort`)", "BM_*_Qsort/{}", "Array|C", [1000, 1000000])]),
-    "dictionaries": (ratio, "Operation|here|standard library", [
-        *rows("{} {:,} string keys", "BM_*/{}", "Dict_{}<qzStrStrDictionary>|Map_{}<StrMap>",
-              ["Insert", "Find"], KEYS),
-        *rows("Iterate over {:,} string keys", "BM_*/{}",
-              "Dict_Iterate<qzStrStrDictionary, qzStrStrDictionaryIter>|Map_Iterate<StrMap>", KEYS),
-        *rows("{} {:,} word keys", "BM_*/{}", "Dict_{}<qzBinaryOTDict>|Map_{}<WordMap>",
-              ["Insert", "Find"], KEYS),
-        *rows("Iterate over {:,} word keys", "BM_*/{}",
-              "Dict_Iterate<qzBinaryOTDict, qzBinaryOTDictIter>|Map_Iterate<WordMap>", KEYS)]),
+    "dictionaries": (ratio, f"Operation|{HASH_TABLES}", [
+        *operations("words", "Words", DICTIONARIES), *operations("paths", "Paths", DICTIONARIES),
+        *operations("ints", "Ints", INT_DICTIONARIES, 2),
+        *operations("words of a set", "Words", SETS)]),
+    "entrymemory": (memory, f"Bytes an entry|{HASH_TABLES}", [
+        *rows("{:,} words", "BM_Memory<*, Words>/{}", DICTIONARIES, KEYS),
+        *rows("{:,} paths", "BM_Memory<*, Paths>/{}", DICTIONARIES, KEYS),
+        *rows("{:,} ints", "BM_Memory<*, Ints>/{}", INT_DICTIONARIES, KEYS),
+        *rows("{:,} words of a set", "BM_Memory<*, Words>/{}", SETS, KEYS)]),
     "strings": (ratio, "Operation|here|standard library", [
         *rows("Append {:,} characters one by one", "BM_*_AppendChar/{}", "Str|StdString",
               [8, 512, 32768]),
