@@ -130,9 +130,11 @@ class QZ_EXPORT qzArray : public qzXDRObj {
         if (size != elemSize) wrongElementSize(size);
     }
 
-    // qsort() for a class known to compare plain bytes: the same result without
-    // a virtual call per comparison.
+    // qsort() and find() for a class known to compare plain bytes: the same
+    // results in other ways. Cost of sorting: elements of 1, 2, 4 and 8 bytes
+    // are looked at a few times each and moved through a block of their size.
     void qsortPlain(unsigned start, unsigned count);
+    int findPlain(const void* elem, unsigned start) const;
 
     void* data;              // null when nothing is allocated
     unsigned allocated;      // bytes

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "util/detail/ArraySort.h"
+#include "util/detail/RawMemory.h"
 #include "xdr/BinaryReader.h"
 
 namespace {
@@ -11,6 +13,54 @@ unsigned char xdrStrings(qzStrArray& strings, unsigned from, unsigned to, qzTran
         if (!strings[i].xdr(t)) return 0;
     }
     return 1;
+}
+
+// Sorting. The strings are sorted together with the beginnings of their texts,
+// so that most comparisons need not fetch a text from somewhere else in memory.
+
+struct SortedString {
+    unsigned long long beginning; // eight bytes of the text, the first one highest
+    unsigned slength;
+    char* data;
+};
+
+// Eight bytes from text[skip], or those before the NUL and zeroes.
+unsigned long long beginningOf(const qzStr& s, std::size_t skip) {
+    const char* text = s.data + skip;
+    if (s.length() - skip >= 8 && !std::memchr(text, 0, 8)) {
+        unsigned long long bytes;
+        std::memcpy(&bytes, text, sizeof bytes);
+        return __builtin_bswap64(bytes);
+    }
+    unsigned long long bytes = 0;
+    for (int shift = 56; shift >= 0 && *text; shift -= 8)
+        bytes |= static_cast<unsigned long long>(static_cast<unsigned char>(*text++)) << shift;
+    return bytes;
+}
+
+// The order of strcmp on texts that are alike before their beginnings.
+struct BeginningsFirst {
+    std::size_t rest; // where the texts go on after their beginnings
+    int operator()(const char* a, const char* b) const {
+        const SortedString& first = *reinterpret_cast<const SortedString*>(a);
+        const SortedString& second = *reinterpret_cast<const SortedString*>(b);
+        if (first.beginning != second.beginning) return first.beginning < second.beginning ? -1 : 1;
+        if (!(first.beginning & 255)) return 0; // both have ended
+        return std::strcmp(first.data + rest, second.data + rest);
+    }
+};
+
+// How many bytes, none of them NUL, all of the texts begin with.
+std::size_t commonBeginning(const qzStr* strings, unsigned count) {
+    std::size_t common = std::strlen(strings[0].data);
+    for (unsigned i = 1; common && i < count; ++i) {
+        const char* const text = strings[i].data;
+        if (strings[i].length() >= common && !std::memcmp(text, strings[0].data, common)) continue;
+        common = 0;
+        while (text[common] == strings[0].data[common])
+            ++common;
+    }
+    return common;
 }
 
 } // namespace
@@ -51,4 +101,27 @@ unsigned char qzStrArray::read(qzTranscriber& t) {
         have = wanted;
     }
     return 1;
+}
+
+void qzStrArray::qsort(unsigned start, unsigned count) {
+    assert(start <= length() && count <= length() - start);
+    // A class derived from this one may compare in its own way.
+    void* const block = count > 1 && typeid(*this) == typeid(qzStrArray)
+                            ? qzRawTryAlloc(std::size_t(count) * sizeof(SortedString))
+                            : nullptr;
+    if (!block) return qzArray::qsort(start, count);
+    qzStr* const strings = &(*this)[start];
+    SortedString* const sorted = static_cast<SortedString*>(block);
+    const std::size_t common = commonBeginning(strings, count);
+    for (unsigned i = 0; i < count; ++i)
+        sorted[i] = {beginningOf(strings[i], common), strings[i].slength, strings[i].data};
+    const qzWordMover<SortedString> exchange;
+    const BeginningsFirst compare{common + sizeof sorted->beginning};
+    if (!qzPutInOrderByTurning(static_cast<char*>(block), count, exchange, compare, qzEqualDiffer))
+        qzSortWith(sorted, count, exchange, compare);
+    for (unsigned i = 0; i < count; ++i) {
+        strings[i].slength = sorted[i].slength;
+        strings[i].data = sorted[i].data;
+    }
+    qzRawFree(block);
 }

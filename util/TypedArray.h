@@ -104,9 +104,7 @@ class QZ_EXPORT qzTypedArray : public Elements {
         qzArray::insert(static_cast<const qzArray&>(other), pos);
     }
     // Index of the first equal element at or after start, or -1.
-    int find(const T& elem, unsigned start = 0) const {
-        return this->elemSize == sizeof(T) ? qzArray::find(&elem, start) : -1;
-    }
+    int find(const T& elem, unsigned start = 0) const;
 
     void qsort() { qsort(0, this->length()); }
     void qsort(unsigned start, unsigned count);
@@ -123,14 +121,24 @@ class QZ_EXPORT qzTypedArray : public Elements {
     Derived adopt(unsigned count, void* block) const {
         return Derived(this->elemSize, count * this->elemSize, block);
     }
+    // Whether elements compare as plain bytes: the member, or a class derived
+    // from it, may compare in its own way.
+    bool comparesBytes() const {
+        return std::is_same_v<decltype(&Derived::compareElements),
+                              int (qzArray::*)(const void*, const void*) const> &&
+               typeid(*this) == typeid(Derived);
+    }
 };
 
 template <class Derived, class T, class Elements>
+int qzTypedArray<Derived, T, Elements>::find(const T& elem, unsigned start) const {
+    if (this->elemSize != sizeof(T)) return -1;
+    return comparesBytes() ? this->findPlain(&elem, start) : qzArray::find(&elem, start);
+}
+
+template <class Derived, class T, class Elements>
 void qzTypedArray<Derived, T, Elements>::qsort(unsigned start, unsigned count) {
-    // The member, or a class derived from it, may compare in its own way.
-    constexpr bool inheritsOrder = std::is_same_v<decltype(&Derived::compareElements),
-                                                  int (qzArray::*)(const void*, const void*) const>;
-    if (inheritsOrder && typeid(*this) == typeid(Derived)) {
+    if (comparesBytes()) {
         this->qsortPlain(start, count);
     } else {
         qzArray::qsort(start, count);

@@ -143,37 +143,26 @@ void qzSortElements(void* base, std::size_t count, std::size_t size, Compare com
     }
 }
 
-// The order of memcmp on elements whose size is known when compiling.
-template <class Word> struct qzWordOrder {
-    int operator()(const char* a, const char* b) const {
-        const Word first = bigEndian(a);
-        const Word second = bigEndian(b);
-        return (first > second) - (first < second);
-    }
-    static Word bigEndian(const char* p) {
-        Word word;
-        std::memcpy(&word, p, sizeof word);
-        return sizeof word == 4 ? __builtin_bswap32(static_cast<unsigned>(word))
-                                : static_cast<Word>(__builtin_bswap64(word));
-    }
-};
+enum qzEqualElements { qzEqualDiffer, qzEqualAreIdentical };
 
-struct qzByteOrder {
-    std::size_t size;
-    int operator()(const char* a, const char* b) const { return std::memcmp(a, b, size); }
-};
-
-// Sorts elements that compare as plain bytes.
-inline void qzSortPlainElements(void* base, std::size_t count, std::size_t size) {
-    switch (size) {
-    case 4:
-        return qzSortWith(base, count, qzWordMover<unsigned>(), qzWordOrder<unsigned>());
-    case 8:
-        return qzSortWith(base, count, qzWordMover<unsigned long long>(),
-                          qzWordOrder<unsigned long long>());
-    default:
-        return qzSortWith(base, count, qzByteMover{size}, qzByteOrder{size});
+// Whether the count elements, at least one, are in order now: they were, or they
+// were in the opposite order and have been turned round. Where equal elements
+// differ there must not be any, so that no sort could do otherwise.
+template <class Mover, class Compare>
+bool qzPutInOrderByTurning(char* base, std::size_t count, Mover exchange, Compare compare,
+                           qzEqualElements equal) {
+    const int tie = equal == qzEqualAreIdentical; // what may go either way is below it
+    char* const last = base + (count - 1) * exchange.size;
+    char* p = base;
+    while (p != last && compare(p, p + exchange.size) < tie)
+        p += exchange.size;
+    if (p == last) return true;
+    for (p = base; p != last; p += exchange.size) {
+        if (compare(p, p + exchange.size) <= -tie) return false;
     }
+    for (char *low = base, *high = last; low < high; low += exchange.size, high -= exchange.size)
+        exchange(low, high);
+    return true;
 }
 
 #endif
