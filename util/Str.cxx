@@ -63,11 +63,23 @@ template <class Set> unsigned forward(const qzStr& s, unsigned pos, const Set& s
 }
 
 unsigned forward(const qzStr& s, unsigned pos, OneByte byte, bool wanted) {
+    return wanted ? s.next(pos, byte.c) : forward<OneByte>(s, pos, byte, wanted);
+}
+
+// A set that is a C string: the C library's own searches are the fastest there
+// are, up to where they stop at a NUL inside the text.
+struct CString {
+    const char* set;
+};
+
+unsigned forward(const qzStr& s, unsigned pos, CString bytes, bool wanted) {
     const unsigned length = s.length();
     if (pos >= length) return length;
-    if (!wanted) return forward<OneByte>(s, pos, byte, wanted);
-    const void* hit = std::memchr(s.data + pos, static_cast<unsigned char>(byte.c), length - pos);
-    return hit ? static_cast<unsigned>(static_cast<const char*>(hit) - s.data) : length;
+    const char* const from = s.data + pos;
+    if (!wanted) return pos + static_cast<unsigned>(std::strspn(from, bytes.set));
+    pos += static_cast<unsigned>(std::strcspn(from, bytes.set));
+    if (pos == length || s.data[pos]) return pos;
+    return forward(s, pos, ByteSet(bytes.set, 0), true);
 }
 
 // The position just after the last such byte before pos; 0 when there is none.
@@ -77,6 +89,11 @@ template <class Set> unsigned backward(const qzStr& s, unsigned pos, const Set& 
         if (set(s.data[pos - 1]) == wanted) return pos;
     }
     return 0;
+}
+
+unsigned backward(const qzStr& s, unsigned pos, OneByte byte, bool wanted) {
+    assert(pos <= s.length());
+    return wanted ? qzRawFindLast(s.data, byte.c, pos) : backward<OneByte>(s, pos, byte, wanted);
 }
 
 template <class Set> qzStr tokenForward(const qzStr& s, unsigned& pos, const Set& set) {
@@ -99,8 +116,21 @@ template <class Set> qzStr tokenBackward(const qzStr& s, unsigned& pos, const Se
 
 char* qzStr::newText(const char* s, unsigned len) {
     char* text = static_cast<char*>(qzRawAlloc(std::size_t(len) + 1));
-    qzRawMove(text, s, len);
+    qzMoveText(text, s, len);
     text[len] = 0;
+    return text;
+}
+
+// A copy of bytes that end with the terminator.
+char* qzStr::cloned(const char* s, unsigned bytes) {
+    if (bytes <= 1) return &emptyString;
+    char* text = static_cast<char*>(qzRawAlloc(bytes));
+    if (bytes > 64 && bytes <= 128) { // what a chain of concatenations may leave
+        qzMoveText(text, s, 64);
+        qzMoveText(text + bytes - 64, s + bytes - 64, 64);
+    } else {
+        qzMoveText(text, s, bytes);
+    }
     return text;
 }
 
@@ -114,9 +144,11 @@ qzStr::qzStr(const char* s, unsigned len) : qzStr() {
     slength = len + 1;
 }
 
-qzStr::qzStr(const qzStr& other) : qzStr(other.data, other.length()) {}
+qzStr::qzStr(const qzStr& other)
+    : slength(other.slength), data(cloned(other.data, other.slength)) {}
 
-qzStr::qzStr(const qzTempStr& temp) : qzStr(temp.data, temp.length()) {}
+qzStr::qzStr(const qzTempStr& temp)
+    : slength(temp.slength), data(cloned(temp.data, temp.slength)) {}
 
 qzStr::qzStr(int v, const char* fmt) : qzStr() { format(fmt ? fmt : "%d", v); }
 
@@ -322,16 +354,15 @@ void qzStr::vformat(const char* fmt, va_list args) {
 
 // Searching
 
-unsigned qzStr::next(unsigned pos, char c) const { return forward(*this, pos, OneByte(c), true); }
-
 unsigned qzStr::next(unsigned pos, const char* set, unsigned n) const {
-    return forward(*this, pos, ByteSet(set, n), true);
+    return n ? forward(*this, pos, ByteSet(set, n), true) : forward(*this, pos, CString{set}, true);
 }
 
 unsigned qzStr::skip(unsigned pos, char c) const { return forward(*this, pos, OneByte(c), false); }
 
 unsigned qzStr::skip(unsigned pos, const char* set, unsigned n) const {
-    return forward(*this, pos, ByteSet(set, n), false);
+    return n ? forward(*this, pos, ByteSet(set, n), false)
+             : forward(*this, pos, CString{set}, false);
 }
 
 unsigned qzStr::nextR(unsigned pos, char c) const { return backward(*this, pos, OneByte(c), true); }
@@ -349,7 +380,7 @@ unsigned qzStr::skipR(unsigned pos, const char* set, unsigned n) const {
 }
 
 qzStr qzStr::token(unsigned& pos, const char* set, unsigned n) const {
-    return tokenForward(*this, pos, ByteSet(set, n));
+    return n ? tokenForward(*this, pos, ByteSet(set, n)) : tokenForward(*this, pos, CString{set});
 }
 
 qzStr qzStr::token(unsigned& pos, char c) const { return tokenForward(*this, pos, OneByte(c)); }

@@ -18,6 +18,7 @@
 
 #include <cassert>
 #include <cstdarg>
+#include <cstdlib>
 #include <cstring>
 #include <iosfwd>
 
@@ -26,6 +27,40 @@
 class qzTempStr;
 class qzTranscriber;
 class qzTypeObj;
+
+// memmove for texts, most of which are short: up to 64 bytes go without a call,
+// in two pieces of a fixed size, which overlap where there are fewer.
+inline void qzMoveText(char* to, const char* from, unsigned n) {
+    struct Half {
+        char bytes[32];
+    };
+    struct Quarter {
+        char bytes[16];
+    };
+    const auto moveEnds = [=](auto first) {
+        auto last = first;
+        std::memcpy(&first, from, sizeof first);
+        std::memcpy(&last, from + n - sizeof last, sizeof last);
+        std::memcpy(to, &first, sizeof first);
+        std::memcpy(to + n - sizeof last, &last, sizeof last);
+    };
+    if (n > 64) {
+        std::memmove(to, from, n);
+    } else if (n >= 32) {
+        moveEnds(Half());
+    } else if (n >= 16) {
+        moveEnds(Quarter());
+    } else if (n >= 8) {
+        moveEnds(0ll);
+    } else if (n >= 4) {
+        moveEnds(0);
+    } else if (n) {
+        const char middle = from[n / 2], last = from[n - 1];
+        to[0] = from[0];
+        to[n / 2] = middle;
+        to[n - 1] = last;
+    }
+}
 
 class QZ_EXPORT qzStr {
   public:
@@ -50,7 +85,7 @@ class QZ_EXPORT qzStr {
     // An empty string for a reader to fill.
     explicit qzStr(qzTypeObj&) : qzStr() {}
     ~qzStr() {
-        if (data != &emptyString) release();
+        if (data != &emptyString) std::free(data);
     }
 
     qzStr& operator=(const qzStr& other);
@@ -114,7 +149,11 @@ class QZ_EXPORT qzStr {
     //
     // Index of the first byte at or after pos that is c (is in set); length()
     // when there is none. skip: that is not.
-    unsigned next(unsigned pos, char c) const;
+    unsigned next(unsigned pos, char c) const {
+        if (pos >= length()) return length();
+        const void* hit = std::memchr(data + pos, static_cast<unsigned char>(c), length() - pos);
+        return hit ? static_cast<unsigned>(static_cast<const char*>(hit) - data) : length();
+    }
     unsigned next(unsigned pos, const char* set, unsigned n = 0) const;
     unsigned skip(unsigned pos, char c) const;
     unsigned skip(unsigned pos, const char* set, unsigned n = 0) const;
@@ -157,6 +196,7 @@ class QZ_EXPORT qzStr {
     static const void* textBeingRead; // the address of that string's `data`, or null
 
     static char* newText(const char* s, unsigned len);
+    static char* cloned(const char* s, unsigned bytes);
     void resizeInternal(unsigned n);
     void assign(const char* s, unsigned len);
     void own(const char* s, unsigned len);
@@ -227,11 +267,7 @@ QZ_EXPORT std::istream& operator>>(std::istream& in, qzStr& s);
 // Sets the stream's delimiter for operator>> and returns the stream.
 QZ_EXPORT std::istream& _delimiter(std::istream& in, char c);
 
-// Concatenation; see util/TempStr.h.
-QZ_EXPORT qzTempStr operator|(const qzStr& a, const qzStr& b);
-QZ_EXPORT qzTempStr operator|(const qzStr& a, const char* b);
-QZ_EXPORT qzTempStr operator|(const char* a, const qzStr& b);
-
+// Concatenation, a | b
 #include "util/TempStr.h"
 
 #endif

@@ -95,6 +95,18 @@ inline void qzRawZero(void* to, std::size_t bytes) {
     if (bytes) std::memset(to, 0, bytes);
 }
 
+// The position just after the last byte c of these, 0 when there is none.
+inline unsigned qzRawFindLast(const char* bytes, char c, unsigned n) {
+#if defined(__GLIBC__)
+    const void* hit = memrchr(bytes, static_cast<unsigned char>(c), n);
+    return hit ? static_cast<unsigned>(static_cast<const char*>(hit) - bytes) + 1 : 0;
+#else
+    while (n && bytes[n - 1] != c)
+        --n;
+    return n;
+#endif
+}
+
 // The 32-bit word at any address, in the machine's byte order.
 inline unsigned qzLoadWord(const void* at) {
     unsigned word;
