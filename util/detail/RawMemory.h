@@ -1,4 +1,5 @@
-// Raw memory: the one place that calls malloc, realloc, free and untyped copies.
+// Raw memory: the one place that calls malloc, realloc, free and untyped copies
+// but for what util/Str.h and util/TempStr.h do inline.
 //
 // Units: bytes throughout. Every function is happy with zero bytes and null.
 // Errors: a block that cannot be had ends the process through qzFatal, except
