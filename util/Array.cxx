@@ -193,8 +193,9 @@ template <class Word> bool holds(const char* p, Word wanted) { return qzLoad<Wor
 
 // Both halves, without a branch: SSE2 cannot compare 64 bits.
 template <> bool holds(const char* p, unsigned long long wanted) {
-    return (qzLoadWord(p) == static_cast<unsigned>(wanted)) &
-           (qzLoadWord(p + 4) == static_cast<unsigned>(wanted >> 32));
+    const unsigned low = qzLoadWord(p) ^ static_cast<unsigned>(wanted);
+    const unsigned high = qzLoadWord(p + 4) ^ static_cast<unsigned>(wanted >> 32);
+    return (low | high) == 0;
 }
 
 // The index of the first word at or after start that has the bytes of elem, or -1.
