@@ -43,7 +43,7 @@ if command -v gdb >/dev/null; then
     ln -s "$root/usr/share/gdb/auto-load/usr" "tree$root/usr"
     timeout 120 gdb -q -nx -batch -iex "set auto-load scripts-directory $dir/tree" \
         -iex "set auto-load safe-path $dir" -ex 'set breakpoint pending on' \
-        -ex 'break qzDictionary::remove' -ex run -ex 'frame function main' \
+        -ex 'break qzDictionary::removeAt' -ex run -ex 'frame function main' \
         -ex 'print capitals' examples/hello >gdb.log 2>&1 || true
     grep -qF '["Peru"] = "Lima"' gdb.log || { cat gdb.log; exit 1; }
 fi
