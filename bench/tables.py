@@ -115,10 +115,10 @@ TABLES = {  # name: cells, heads, rows
         *operations("ints", "Ints", INT_DICTIONARIES, 2),
         *operations("words of a set", "Words", SETS)]),
     "entrymemory": (memory, f"Bytes an entry|{HASH_TABLES}", [
-        *rows("{:,} words", "BM_Memory<*, Words>/{}", DICTIONARIES, KEYS),
-        *rows("{:,} paths", "BM_Memory<*, Paths>/{}", DICTIONARIES, KEYS),
-        *rows("{:,} ints", "BM_Memory<*, Ints>/{}", INT_DICTIONARIES, KEYS),
-        *rows("{:,} words of a set", "BM_Memory<*, Words>/{}", SETS, KEYS)]),
+        *rows("{:,} words", "BM_Memory<*, Words>/{}/iterations:1", DICTIONARIES, KEYS),
+        *rows("{:,} paths", "BM_Memory<*, Paths>/{}/iterations:1", DICTIONARIES, KEYS),
+        *rows("{:,} ints", "BM_Memory<*, Ints>/{}/iterations:1", INT_DICTIONARIES, KEYS),
+        *rows("{:,} words of a set", "BM_Memory<*, Words>/{}/iterations:1", SETS, KEYS)]),
     "strings": (ratio, "Operation|here|`std::string`|`QByteArray`|`GString`|Abseil|C library", [
         *rows("Join three strings to one of {}", "BM_Str_Join<*>/{}", STRINGS, [16, 40, 99],
               target=0.75),
