@@ -49,7 +49,7 @@ void qzDictionary::destroyValue(void*) const {}
 // A class derived from this one may have changed the chains without asking: an
 // index that has come not to fit is dropped before it seems to fit again.
 KeyIndex* qzDictionary::index() const {
-    if (!isLarge()) return nullptr;
+    if (!mayHaveIndex()) return nullptr;
     KeyIndex* const fitting = Chains::fitting(this, buckets, numItems);
     if (!fitting) Chains::dropMisfit(this);
     return fitting;
@@ -94,15 +94,15 @@ qzDictionary::Place qzDictionary::locateForAdd(const void* key) {
 char* qzDictionary::newBlock() const { return qzNewBlock<qzDictBucket>(entryBytes()); }
 
 qzDictBucket* qzDictionary::hang(unsigned chain, char* block) {
-    const bool wasLarge = isLarge();
+    const bool had = mayHaveIndex();
     ++numItems;
-    if (!wasLarge && isLarge()) qzForgetIndex(this);
+    if (!had && mayHaveIndex()) qzForgetIndex(this);
     return buckets[chain] = qzNewNode(block, entryBytes(), buckets[chain]);
 }
 
 // Nothing is known of the block: the next lookup makes the index anew.
 qzDictBucket* qzDictionary::link(unsigned chain, char* block) {
-    if (isLarge()) qzForgetIndex(this);
+    if (mayHaveIndex()) qzForgetIndex(this);
     return hang(chain, block);
 }
 
@@ -157,9 +157,9 @@ void qzDictionary::unlink(const Place& place) {
 void qzDictionary::discard(qzDictBucket* node) {
     invalidateIters(node);
     qzFreeNode(node, entryBytes());
-    const bool wasLarge = isLarge();
+    const bool had = mayHaveIndex();
     --numItems;
-    if (wasLarge && !isLarge()) qzForgetIndex(this);
+    if (had && !mayHaveIndex()) qzForgetIndex(this);
 }
 
 void qzDictionary::remove(const void* key) { removeAt(locate(key)); }

@@ -115,9 +115,11 @@ class QZ_EXPORT qzDictionary : public qzXDRObj {
     using Place = qzChainPlace<qzDictBucket>;
     // Every lookup of the base comes through here.
     Place locate(const void* key) const;
-    // Whether an index may be worth its while.
-    bool isLarge() const { return numItems / 4 > buckets.length() + 16; }
-    // For a large dictionary whose hashKey() and compareKeys() are those of keys of
+    // Whether there may be an index; whether one is worth its while though no walk
+    // has been long.
+    bool mayHaveIndex() const { return numItems > 32; }
+    bool isLarge() const { return numItems / 3 > buckets.length() + 16; }
+    // For a large dictionary, or one with a long chain, whose hashKey() and compareKeys() are those of keys of
     // this kind, and a key that belongs into this chain: through an index that is
     // made where there is none. findIndexed() returns the entry's block, or null.
     Place locateIndexed(const void* key, unsigned chain, qzKeyKind kind) const;

@@ -53,7 +53,7 @@ void qzSet::destroyKey(void*) const {}
 // A class derived from this one may have changed the chains without asking: an
 // index that has come not to fit is dropped before it seems to fit again.
 KeyIndex* qzSet::index() const {
-    if (!isLarge()) return nullptr;
+    if (!mayHaveIndex()) return nullptr;
     KeyIndex* const fitting = Chains::fitting(this, buckets, numItems);
     if (!fitting) Chains::dropMisfit(this);
     return fitting;
@@ -95,12 +95,12 @@ template <class Visit> bool qzSet::visitKeys(const qzSet& set, Visit visit) {
 
 void qzSet::link(const Place& place, char* block) {
     assert(numItems || !buckets[place.chain]); // no use after cleanup()
-    const bool wasLarge = isLarge();
+    const bool had = mayHaveIndex();
     KeyIndex* const known = index();
     qzSetBucket*& head = buckets[place.chain];
     head = qzNewNode(block, keySize, head);
     ++numItems;
-    if (!wasLarge && isLarge()) qzForgetIndex(this);
+    if (!had && mayHaveIndex()) qzForgetIndex(this);
     if (known) Chains::added(*known, head, place.hash);
 }
 
@@ -127,9 +127,9 @@ void* qzSet::find(const void* key, qzKeyKind kind) const {
 void qzSet::discard(qzSetBucket* node) {
     invalidateIters(node);
     qzFreeNode(node, keySize);
-    const bool wasLarge = isLarge();
+    const bool had = mayHaveIndex();
     --numItems;
-    if (wasLarge && !isLarge()) qzForgetIndex(this);
+    if (had && !mayHaveIndex()) qzForgetIndex(this);
 }
 
 void qzSet::removeAt(const Place& place) {

@@ -102,7 +102,10 @@ class QZ_EXPORT qzSet : public qzXDRObj {
     // has: a large set of such keys gets an index.
     // Every lookup of the base comes through here.
     Place locate(const void* key, qzKeyKind kind = qzKeyKind::other) const;
-    bool isLarge() const { return numItems / 4 > buckets.length() + 16; }
+    // Whether there may be an index; whether one is worth its while though no walk
+    // has been long.
+    bool mayHaveIndex() const { return numItems > 32; }
+    bool isLarge() const { return numItems / 3 > buckets.length() + 16; }
     // For a large set and a key that belongs into this chain; findIndexed() returns
     // the key's block, or null.
     Place locateIndexed(const void* key, unsigned chain, qzKeyKind kind) const;

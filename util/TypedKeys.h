@@ -51,10 +51,21 @@ template <class Base, class Keys, class Derived> class QZ_EXPORT qzTypedKeys : p
   private:
     bool usesIndex() const { return kind != qzKeyKind::other && this->isLarge(); }
     unsigned chainOf(const Key& key) const { return Keys::hash(key) % this->buckets.length(); }
+    // Goes to the index when the chain is long, as those of keys with a common start
+    // are in small containers, too.
     Place walkTo(const Key& key) const {
-        return Place::find(this->buckets, chainOf(key), [&key](const void* nodeKey) {
-            return Keys::compare(key, qzTypedEntry<Key>::at(nodeKey)) == 0;
-        });
+        unsigned left = 8;
+        const unsigned chain = chainOf(key);
+        auto* previous = Place().previous;
+        for (auto* node = this->buckets[chain]; node; previous = node, node = node->next) {
+            if (Keys::compare(key, qzTypedEntry<Key>::at(node->kvmem)) == 0) {
+                return {chain, node, previous, 0};
+            }
+            if (kind != qzKeyKind::other && --left == 0 && this->mayHaveIndex()) {
+                return this->locateIndexed(&key, chain, kind);
+            }
+        }
+        return {chain, nullptr, nullptr, 0};
     }
 };
 

@@ -41,7 +41,7 @@ template <class Heads> class IndexedChains {
     // with the entries; null when there is nothing to search in.
     KeyIndex* make(qzKeyKind kind, std::size_t entryBytes) const {
         dropMisfit(container);
-        if (kind == qzKeyKind::other || !isWorthMaking() || known(container)) return nullptr;
+        if (kind == qzKeyKind::other || known(container)) return nullptr;
         return build(kind, entryBytes);
     }
 
@@ -70,7 +70,6 @@ template <class Heads> class IndexedChains {
     }
     // Twice what isLarge() asks for, lest a container whose size swings about that
     // makes one again and again.
-    bool isWorthMaking() const { return chains.entries / 8 > chains.number + 16; }
     KeyIndex* build(qzKeyKind kind, std::size_t entryBytes) const;
     enum Outcome { complete, notNow, never };
     Outcome fill(KeyIndex& index, std::size_t entryBytes) const;
