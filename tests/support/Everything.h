@@ -44,12 +44,8 @@ struct Everything : qzXDRObj {
     static void destroyAll() {
         std::set<void*> arrays;
         for (Everything* object : made()) {
-            for (void* array :
-                 {static_cast<void*>(object->chars), static_cast<void*>(object->shorts),
-                  static_cast<void*>(object->ints), static_cast<void*>(object->longs),
-                  static_cast<void*>(object->floats), static_cast<void*>(object->doubles),
-                  static_cast<void*>(object->text)})
-                arrays.insert(array);
+            arrays.insert({object->chars, object->shorts, object->ints, object->longs,
+                           object->floats, object->doubles, object->text});
             delete object;
         }
         std::vector<Everything*>().swap(made());
@@ -57,12 +53,6 @@ struct Everything : qzXDRObj {
             std::free(array);
     }
 
-    static void* newInstance(qzTypeObj&) { return make(); }
-    static void deleteInstance(void*) {}
-    static unsigned char xdr(void* object, qzTranscriber& t) {
-        return static_cast<Everything*>(object)->xdr(t);
-    }
-    const char* className() const override { return "Everything"; }
     qzTypeObj& getTypeObj() const override { return type; }
     unsigned char xdr(qzTranscriber& t) override {
         return t.xdr(&letter, 1) && t.xdr(&small, 1) && t.xdr(&number, 1) && t.xdr(&big, 1) &&
@@ -152,7 +142,8 @@ struct Everything : qzXDRObj {
 };
 
 inline qzTypeObj Part::type("Part", 7, nullptr, nullptr, Part::xdr);
-inline qzTypeObj Everything::type("Everything", 3, Everything::newInstance,
-                                  Everything::deleteInstance, Everything::xdr);
+inline qzTypeObj Everything::type(
+    "Everything", 3, [](qzTypeObj&) -> void* { return make(); }, nullptr,
+    [](void* object, qzTranscriber& t) { return static_cast<Everything*>(object)->xdr(t); });
 
 #endif

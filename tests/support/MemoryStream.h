@@ -1,7 +1,10 @@
 // A stream over a block in memory: to read, or to write at most `limit` bytes.
+// And what a file holds.
 #ifndef QZ_TESTS_SUPPORT_MEMORYSTREAM_H
 #define QZ_TESTS_SUPPORT_MEMORYSTREAM_H
 
+#include <fstream>
+#include <sstream>
 #include <string>
 
 #include "xdr/StdioStream.h"
@@ -30,5 +33,11 @@ class MemoryStream : private MemoryBlock, public qzStdioStream {
   private:
     std::size_t taken = 0;
 };
+
+inline std::string fileContent(const std::string& path) {
+    std::ostringstream content;
+    content << std::ifstream(path, std::ios::binary).rdbuf();
+    return content.str();
+}
 
 #endif

@@ -29,95 +29,68 @@ template <class Member> unsigned slot(Member member) {
     return static_cast<unsigned>((words[0] - 1) / sizeof(void*));
 }
 
-template <class... Arguments> unsigned xdrSlot() {
-    using Xdr = unsigned char (qzTranscriber::*)(Arguments...);
-    return slot(static_cast<Xdr>(&qzTranscriber::xdr));
+template <class... Members> void expectSlots(unsigned first, Members... members) {
+    for (unsigned actual : {slot(members)...})
+        EXPECT_EQ(actual, first++);
 }
 
-void expectInOrder(unsigned first, std::initializer_list<unsigned> slots) {
-    for (unsigned actual : slots)
-        EXPECT_EQ(actual, first++);
+template <class... Arguments> auto xdrOf() {
+    using Xdr = unsigned char (qzTranscriber::*)(Arguments...);
+    return static_cast<Xdr>(&qzTranscriber::xdr);
+}
+template <class... Pointers> void expectXdrSlots(unsigned first) {
+    expectSlots(first, xdrOf<Pointers, unsigned>()...);
 }
 
 TEST(SlotOrder, Transcriber) {
     using T = qzTranscriber;
-    using C = unsigned char;
-    using N = unsigned;
-    expectInOrder(2, {slot(&T::reset),
-                      xdrSlot<char*, N>(),
-                      xdrSlot<C*, N>(),
-                      xdrSlot<short*, N>(),
-                      xdrSlot<unsigned short*, N>(),
-                      xdrSlot<long*, N>(),
-                      xdrSlot<unsigned long*, N>(),
-                      xdrSlot<float*, N>(),
-                      xdrSlot<double*, N>(),
-                      xdrSlot<qzStr*, N>(),
-                      xdrSlot<char**, N>(),
-                      xdrSlot<C**, N>(),
-                      xdrSlot<short**, N>(),
-                      xdrSlot<unsigned short**, N>(),
-                      xdrSlot<long**, N>(),
-                      xdrSlot<unsigned long**, N>(),
-                      xdrSlot<float**, N>(),
-                      xdrSlot<double**, N>(),
-                      xdrSlot<char**>(),
-                      xdrSlot<C**>(),
-                      xdrSlot<void*, qzXDRObj*, qzTypeObj&, qzXDRObj*, void*>(),
-                      xdrSlot<qzTypeObj&, void*, void*>(),
-                      slot(&T::readObject),
-                      slot(&T::writeObject),
-                      slot(&T::className),
-                      xdrSlot<int*, N>(),
-                      xdrSlot<N*, N>(),
-                      xdrSlot<int**, N>(),
-                      xdrSlot<N**, N>()});
+    expectSlots(2, &T::reset);
+    expectXdrSlots<char*, unsigned char*, short*, unsigned short*, long*, unsigned long*, float*,
+                   double*, qzStr*, char**, unsigned char**, short**, unsigned short**, long**,
+                   unsigned long**, float**, double**>(3);
+    expectSlots(20, xdrOf<char**>(), xdrOf<unsigned char**>(),
+                xdrOf<void*, qzXDRObj*, qzTypeObj&, qzXDRObj*, void*>(),
+                xdrOf<qzTypeObj&, void*, void*>(), &T::readObject, &T::writeObject, &T::className);
+    expectXdrSlots<int*, unsigned*, int**, unsigned**>(27);
 }
 
 TEST(SlotOrder, SerializableBaseArrayAndStream) {
     using Xdr = unsigned char (qzXDRObj::*)(qzTranscriber&);
     using A = qzArray;
     using S = qzStream;
-    expectInOrder(2, {slot(&qzXDRObj::className), slot(static_cast<Xdr>(&qzXDRObj::xdr)),
-                      slot(&qzXDRObj::getTypeObj), slot(&qzXDRObj::xdrFail),
-                      slot(&qzXDRObj::xdrSuccess), slot(&A::getmem), slot(&A::expand),
-                      slot(&A::createElements), slot(&A::destroyElements), slot(&A::copyElements),
-                      slot(&qzStrArray::compareElements)});
-    expectInOrder(2, {slot(&S::hasError), slot(&S::atEOF), slot(&S::isReading), slot(&S::isWriting),
-                      slot(&S::getType), slot(&S::getBytes), slot(&S::getShorts), slot(&S::getInts),
-                      slot(&S::getLongs), slot(&S::getFloats), slot(&S::getDoubles),
-                      slot(&S::putBytes), slot(&S::putShorts), slot(&S::putInts),
-                      slot(&S::putLongs), slot(&S::putFloats), slot(&S::putDoubles)});
+    expectSlots(2, &qzXDRObj::className, static_cast<Xdr>(&qzXDRObj::xdr), &qzXDRObj::getTypeObj,
+                &qzXDRObj::xdrFail, &qzXDRObj::xdrSuccess, &A::getmem, &A::expand,
+                &A::createElements, &A::destroyElements, &A::copyElements,
+                &qzStrArray::compareElements);
+    expectSlots(2, &S::hasError, &S::atEOF, &S::isReading, &S::isWriting, &S::getType, &S::getBytes,
+                &S::getShorts, &S::getInts, &S::getLongs, &S::getFloats, &S::getDoubles,
+                &S::putBytes, &S::putShorts, &S::putInts, &S::putLongs, &S::putFloats,
+                &S::putDoubles);
 }
 
 TEST(SlotOrder, DataflowObjectsValuesAndPatterns) {
-    expectInOrder(2, {slot(&qzData::dataName), slot(&qzData::deliverTo), slot(&qzData::getValue),
-                      slot(&qzData::getSize)});
-    expectInOrder(
-        7, {slot(&qzObj::connect), slot(&qzObj::disconnect), slot(&qzObj::subClassMustDefine)});
-    expectInOrder(2, {slot(&qzTextPattern::findBuffer), slot(&qzTextPattern::findEndBuffer),
-                      slot(&qzTextPattern::bracketBuffer)});
-    expectInOrder(10, {slot(&qzEvent::deliver), slot(&qzEvent::dump), slot(&qzEvent::getChannel)});
-    expectInOrder(10, {slot(&qzSelectHandler::handleRead), slot(&qzSelectHandler::handleWrite),
-                       slot(&qzSelectHandler::handleException)});
-    expectInOrder(10, {slot(&qzApplication::initialize), slot(&qzApplication::open),
-                       slot(&qzApplication::close)});
-    expectInOrder(10, {slot(&qzTimer::tick)});
+    expectSlots(2, &qzData::dataName, &qzData::deliverTo, &qzData::getValue, &qzData::getSize);
+    expectSlots(7, &qzObj::connect, &qzObj::disconnect, &qzObj::subClassMustDefine);
+    expectSlots(2, &qzTextPattern::findBuffer, &qzTextPattern::findEndBuffer,
+                &qzTextPattern::bracketBuffer);
+    expectSlots(10, &qzEvent::deliver, &qzEvent::dump, &qzEvent::getChannel);
+    expectSlots(10, &qzSelectHandler::handleRead, &qzSelectHandler::handleWrite,
+                &qzSelectHandler::handleException);
+    expectSlots(10, &qzApplication::initialize, &qzApplication::open, &qzApplication::close);
+    expectSlots(10, &qzTimer::tick);
 }
 
 TEST(SlotOrder, DictionaryAndSetHooks) {
     struct D : qzDictionary {
         static void check() {
-            expectInOrder(7, {slot(&D::addInternal), slot(&D::hashKey), slot(&D::compareKeys),
-                              slot(&D::copyKey), slot(&D::destroyKey), slot(&D::copyValue),
-                              slot(&D::destroyValue), slot(&D::createValue), slot(&D::xdrKey),
-                              slot(&D::xdrValue)});
+            expectSlots(7, &D::addInternal, &D::hashKey, &D::compareKeys, &D::copyKey,
+                        &D::destroyKey, &D::copyValue, &D::destroyValue, &D::createValue,
+                        &D::xdrKey, &D::xdrValue);
         }
     };
     struct S : qzSet {
         static void check() {
-            expectInOrder(7, {slot(&S::hashKey), slot(&S::compareKeys), slot(&S::copyKey),
-                              slot(&S::destroyKey), slot(&S::xdrKey)});
+            expectSlots(7, &S::hashKey, &S::compareKeys, &S::copyKey, &S::destroyKey, &S::xdrKey);
         }
     };
     D::check();

@@ -29,24 +29,16 @@ TEST(qzTranscriber, IntsTravelAsLongsInOneCall) {
 TEST(qzTranscriber, IntPointersTravelAsLongPointersWhereTheseAreTheSame) {
     int array[] = {5, 6}, *p = array;
     RecordingTranscriber writer;
-    EXPECT_EQ(writer.xdr(&p, 2), sizeof(int) == sizeof(long)); // else half of it as longs
-    EXPECT_EQ(writer.bytes, sizeof(int) == sizeof(long) ? word(5) + word(6) : "");
+    EXPECT_EQ(writer.qzTranscriber::xdr(&p, 2), sizeof(int) == sizeof(long));
 }
 
 TEST(qzTranscriber, HoldsOneReferenceOnItsStream) {
-    qzStream* first = new MemoryStream(1);
-    qzStream* second = new MemoryStream(1);
-    first->addRef();
-    {
-        RecordingTranscriber t;
-        t.setStream(first);
-        t.setStream(first);
-        EXPECT_EQ(first->references(), 2);
-        t.setStream(second);
-        EXPECT_EQ(first->references(), 1);
-        EXPECT_EQ(second->references(), 1);
-    } // the second goes here, as the leak check confirms
-    first->delRef();
+    qzStream* const stream = new MemoryStream(1);
+    RecordingTranscriber t;
+    t.setStream(stream);
+    t.setStream(stream);
+    EXPECT_EQ(stream->references(), 1);
+    t.setStream(new MemoryStream(1)); // the first goes, and this one with its transcriber
 }
 
 } // namespace
