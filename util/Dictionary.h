@@ -16,10 +16,10 @@
 // Cost: the number of chains is fixed at construction. Typed dictionaries of texts
 //     and words find, add and remove in constant time whatever it is: where chains
 //     are long they have an index behind them, made by the first lookup that needs
-//     it, which costs about 7 bytes an entry. Other classes, and those that override hashKey() or
-//     compareKeys(), walk one chain: give them as many as they hold entries. An
-//     entry is one block from malloc. Iteration goes through the chains in order,
-//     most recently inserted entry first.
+//     it, which costs about 7 bytes an entry. Other classes, and those that
+//     override hashKey() or compareKeys(), walk one chain: give them as many as
+//     they hold entries. An entry is one block from malloc. Iteration goes through
+//     the chains in order, most recently inserted entry first.
 //
 // Differs from std::unordered_map: iterators survive the removal of their
 // entry, the addresses of keys and values are stable until then, and an
