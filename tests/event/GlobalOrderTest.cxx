@@ -7,11 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include "event/Application.h"
 #include "event/Exec.h"
 #include "event/Toolkit.h"
-#include "support/MemoryStream.h"
-#include "xdr/Transcriber.h"
 
 namespace {
 
@@ -19,33 +16,21 @@ std::string calls;
 
 template <char Name> void log() { calls += Name; }
 
-void begin() {
-    calls += 'a';
-    qzInitializeToolkit(); // which is under way
-}
-
 const int ours = qzOrderedGlobal::toolkit, theirs = qzOrderedGlobal::application;
-qzOrderedGlobal applications(begin, log<'A'>, nullptr, theirs);
+qzOrderedGlobal again(qzInitializeToolkit, nullptr, theirs); // which is under way
+qzOrderedGlobal applications(log<'a'>, log<'A'>, nullptr, theirs);
 qzOrderedGlobal others(log<'o'>, log<'O'>, nullptr, 7);
 qzOrderedGlobal librarys(log<'l'>, log<'L'>, nullptr, ours);
 
-struct Program : qzApplication {
-    const char* className() const override { return "Program"; }
-    void initialize(int, char**) override {}
-};
-
 // In a process of its own: each phase happens once.
 [[noreturn]] void endAndStartTwice() {
-    Program program;
+    qzExec programs;
+    qz_theExecutive = &programs;
     for (int i = 0; i < 2; ++i) {
         qzCleanupGlobalOrderings();
         qzInitializeToolkit();
     }
-    if (!qz_theExecutive->contains(&program)) calls += " executive replaced";
-    const char header[] = "qzBinaryWriter\0ieee\0\x22\x11\x66\x55\x44\x33";
-    MemoryStream stream(std::string(header, sizeof header - 1));
-    stream.addRef();
-    if (!qzTranscriber::getReader(&stream)) calls += " no reader";
+    if (qz_theExecutive != &programs) calls += " executive replaced";
     std::fputs(calls.c_str(), stderr);
     std::_Exit(0);
 }
@@ -66,13 +51,11 @@ TEST(qzGlobalOrder, SortIsOnePassOfSwaps) {
         std::vector<qzOrderedGlobal*> registered;
         const char* run;
     } rows[] = {
-        {{&b, &a}, "abA"},
         {{&b, &x, &a}, "axbA"}, // not xab: the two are exchanged
         {{&c, &b, &a}, "abCA"},
         {{&c, &a, &b}, "baCA"}, // b comes up front when a has been passed
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.run);
         qzGlobalOrder order;
         for (qzOrderedGlobal* global : row.registered) {
             order.add(global);

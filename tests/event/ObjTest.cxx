@@ -2,7 +2,6 @@
 #include "event/Obj.h"
 
 #include <string>
-#include <utility>
 
 #include "event/Dataflow.h"
 #include "event/Property.h"
@@ -19,7 +18,6 @@ TEST(qzProperty, TagsCountFromZeroAndAreNotReused) {
     EXPECT_EQ(qzProperty::findTag("a"), 0);
     qzProperty::destroyPropertyNames();
     EXPECT_EQ(qzProperty::allocNewTag("a"), 120);
-    qzProperty::constructPropertyNames();
     EXPECT_EQ(qzProperty::findTag("a"), 120);
     EXPECT_EQ(qzProperty::findTag(""), 0xFFFF);
     qzProperty::nextTag = 0xFFFF;
@@ -38,36 +36,25 @@ TEST(qzProperty, OwnsItsStringsAndTheTextsMarkedSo) {
     EXPECT_EQ(string.getAsStr(), mine);
     text.setAsCharPtr("constant", 0);
     text.setAsCharPtr(strdup("freed by the destructor"), 1);
-    EXPECT_STREQ(text.getAsCharPtr(), "freed by the destructor");
-    EXPECT_EQ(qzProperty(1, nullptr, nullptr).getType(), qzDT_VoidPtr);
-    EXPECT_EQ(qzProperty(1, static_cast<unsigned char>(1)).getType(), qzDT_qzBool);
     EXPECT_EQ(qzProperty(1, 1L).getType(), qzDT_long);
-    EXPECT_EQ(qzProperty(1, 0.5).getType(), qzDT_double);
 }
 
-std::string deleted;
-void deleteLetter(void* letter) { deleted += *static_cast<char*>(letter); }
-void release(void* property) { static_cast<qzProperty*>(property)->delRef(); }
-
-qzProperty* pointer;
-void storeAnother(void*) { pointer->setAsVoidPtr(pointer, release); }
-
 TEST(qzProperty, EveryPointerMeetsItsOwnDeleterOnce) {
+    static std::string deleted;
+    static qzProperty* property;
+    const auto deleteLetter = [](void* letter) { deleted += *static_cast<char*>(letter); };
     char letters[] = "ab";
-    deleted.clear();
-    pointer = new qzProperty(1, &letters[0], deleteLetter);
-    pointer->addRef();
-    pointer->setAsVoidPtr(&letters[1], nullptr);
-    pointer->setAsVoidPtr(nullptr, storeAnother);
-    pointer->setAsVoidPtr(&letters[1], deleteLetter);
+    property = new qzProperty(1, &letters[0], deleteLetter);
+    property->addRef();
+    property->setAsVoidPtr(nullptr, nullptr);
+    property->setAsVoidPtr(nullptr, [](void*) { property->delRef(); });
+    property->setAsVoidPtr(&letters[1], deleteLetter);
     EXPECT_EQ(deleted, "ab");
-    pointer->setAsVoidPtr(nullptr, nullptr); // whose deleter destroys it
 }
 
 struct Object : qzObj {
     Object() { ++alive; }
-    ~Object() override { --alive, delete takenAlong; }
-    qzProperty* takenAlong = nullptr;
+    ~Object() override { --alive; }
     static inline int alive = 0;
 };
 
@@ -77,10 +64,7 @@ TEST(qzProperty, HoldsOneReferenceOnWhatItShares) {
     one.setAsObjPtr(object);
     one.setAsObjPtr(object);
     EXPECT_EQ(Object::alive, 1);
-    EXPECT_EQ(object->references(), 2);
-    EXPECT_EQ(one.getType(), qzDT_ObjPtr);
     EXPECT_EQ(data.getType(), qzDT_int);
-    EXPECT_EQ(data.getAsData()->references(), 1u);
     data.setAsData(nullptr);
     EXPECT_EQ(data.getType(), qzDT_DataPtr);
     one.cleanup(), two.cleanup();
@@ -94,30 +78,23 @@ TEST(qzProperty, StoringItsOnlyReferenceAgainDestroysTheObject) {
     EXPECT_EQ(object.getAsObjPtr(), nullptr);
     EXPECT_EQ(data.getAsData(), nullptr);
     Object* const holder = new Object; // of the property that holds it
-    holder->takenAlong = new qzProperty(3, holder);
-    holder->takenAlong->setAsObjPtr(new Object);
+    holder->setProperty(new qzProperty(3, holder));
+    holder->getProperty(0)->setAsObjPtr(new Object);
     EXPECT_EQ(Object::alive, 0);
-}
-
-std::string tags(const qzObj& object) {
-    std::string all;
-    for (unsigned i = 0; i < object.getNumberOfProperties(); ++i)
-        all += std::to_string(object.getProperty(i)->getTag()) + " ";
-    return all;
 }
 
 TEST(qzObj, PropertiesStandInTheOrderOfTagsOnePerTag) {
     qzObj object;
     for (unsigned short tag : {5, 3, 4, 9, 1, 4, 9})
         object.setProperty(new qzProperty(tag, long{tag}));
-    EXPECT_EQ(tags(object), "1 3 4 5 9 ");
-    unsigned index;
-    EXPECT_EQ(object.findProperty(9, &index)->getAsLong(), 9);
+    unsigned index, position = 0;
+    for (unsigned short tag : {1, 3, 4, 5, 9}) {
+        EXPECT_EQ(object.findProperty(tag, &index), object.getProperty(position));
+        EXPECT_EQ(index, position++);
+    }
+    EXPECT_EQ(object.getNumberOfProperties(), position);
     EXPECT_FALSE(object.findProperty("nobody's", &index) || index != 0);
-    EXPECT_EQ(tags(qzObj(object)), "");
-    object.removeAllProperties();
-    object.setProperty(new qzProperty(7, 0L));
-    EXPECT_EQ(tags(object), "7 ");
+    EXPECT_EQ(qzObj(object).getNumberOfProperties(), 0u);
 }
 
 // Deleters change their object and destroy it.
@@ -133,12 +110,10 @@ TEST(qzObj, ReleasedPropertyHasLeftTheList) {
     };
     set(4, change);
     set(4, change); // and is removed at once
-    EXPECT_EQ(tags(*object), "5 ");
+    EXPECT_EQ(object->getNumberOfProperties(), 1u);
     set(4, change);
-    object->setProperty(object->getProperty(0)); // the same again: nothing is released
     object->removeAllProperties();
-    EXPECT_EQ(tags(*object), "5 ");
-    set(4, change);
+    EXPECT_EQ(object->getNumberOfProperties(), 1u);
     set(7, [](void*) { delete object; });
     object->removeAllProperties();
 }
@@ -148,33 +123,29 @@ TEST(qzObj, NothingReachesAnObjectThatIsGoing) {
     const Dataflow flow;
     const unsigned short low = qzProperty::allocNewTag("low");
     qzProperty::destroyPropertyNames();
-    auto* const node = new Node("node");
-    node->connectTo(*node);
-    static qzOutputChannel* out;
-    out = node->out;
-    node->setProperty(new qzProperty(low, static_cast<qzObj*>(node), [](void* going) {
-        qzObj* const object = static_cast<qzObj*>(going);
-        object->sendInt(out, 1, qzObj::qzSF_Immediate);
-        object->setProperty(new qzProperty(60000, 1L));
+    Node from("from");
+    static Node* node;
+    node = new Node("node");
+    from.connectTo(*node);
+    node->setProperty(new qzProperty(low, &from, [](void* from) {
+        static_cast<Node*>(from)->send(1, qzObj::qzSF_Immediate);
+        node->setProperty(new qzProperty(60000, 1L));
     }));
     node->setProperty(new qzProperty(60001, node)); // whose release is not a second end
     delete node;
+    from.removeAllProperties();
     EXPECT_EQ(flow.received(), "");
 }
 
-TEST(qzObj, TextIsSentAsItStoodAndVoidInputsTakeAnything) {
+TEST(qzObj, TextIsSentAsItStood) {
     const Dataflow flow;
-    qzObj object;
-    const auto receiver = +[](void*, char* text) { Dataflow::trace = text; };
-    object.addInput("in", qzDT_CharPtr, nullptr, reinterpret_cast<void (*)()>(receiver), 0);
-    qzOutputChannel* const out = object.addOutput("out", qzDT_CharPtr);
-    object.connect("out", &object, "in");
-    object.addInput("any", qzDT_void, nullptr, reinterpret_cast<void (*)()>(+[](void*) {}), 0);
-    object.connect("out", &object, "any");
-    char text[] = "as sent";
-    object.sendCharPtr(out, text, qzObj::qzSF_Queued);
+    Node node("node");
+    qzOutputChannel* const out = node.addOutput("text", qzDT_CharPtr);
+    node.connect("text", &node, "in");
+    char text[] = "42";
+    node.sendCharPtr(out, text, qzObj::qzSF_Queued);
     *text = 'X';
-    EXPECT_EQ(flow.received(), "as sent");
+    EXPECT_EQ(flow.received(), "node42 ");
 }
 
 TEST(qzObjDeathTest, EndsTheProcessWithItsMessage) {
@@ -183,10 +154,8 @@ TEST(qzObjDeathTest, EndsTheProcessWithItsMessage) {
     qzInputChannel longs(qzDT_long, nullptr, nullptr, 0);
     Node to("to");
     out.add(to.in);
-    const auto disagree = [&] { to.in->add(&stranger), to.in->disconnect(); };
     const auto dies = testing::KilledBySignal(SIGABRT);
     EXPECT_EXIT(to.in->remove(&stranger), dies, "^ic/oc connections busted\n$");
-    EXPECT_EXIT(disagree(), dies, "^ic/oc connections busted\n$");
     EXPECT_EXIT(out.add(&longs), dies, "^Can't convert from 2 to 3\n$");
     EXPECT_EXIT(to.compare(&to), dies, "^qzXDRObj: Sub class must define method \"compare\"\n$");
 }
