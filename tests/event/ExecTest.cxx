@@ -107,7 +107,6 @@ TEST(qzExec, FullWaitCountsAsTheTimersDelta) {
     Handler handler(90);
     exec.addSelectHandler(&handler);
     for (const auto& row : rows) {
-        SCOPED_TRACE(&row - rows);
         handler.call = [&](char) { EXPECT_EQ(row.ready, 1); };
         qzTimer first(0), second(0);
         if (row.with != "") first.startTimer(0.5f), second.startTimer(0.875f);

@@ -44,6 +44,7 @@ class Program {
         }
         release(timer);
         if (action == 0) return renew(timer);
+        if (action == 1) return timer.real->stopTimer();
         timer.duration = 0.25f * (number + 1);
         arm(&timer);
         timer.real->startTimer(timer.duration);
