@@ -47,6 +47,24 @@ TEST(qzEventHandler, DataNobodyTookIsDestroyed) {
     kept->delRef();
 }
 
+// Neither at once nor later are their receivers handed a value of any kind.
+TEST(qzEventHandler, VoidInputsTakeNoValue) {
+    struct Silent : qzIntData {
+        using qzIntData::qzIntData;
+        void deliverTo(void (*)(), void*) override { ADD_FAILURE(); }
+    };
+    const Dataflow flow;
+    Node from("from");
+    qzObj to;
+    const auto receiver = +[](void*) { Dataflow::trace += "void "; };
+    to.addInput("in", qzDT_void, nullptr, reinterpret_cast<void (*)()>(receiver), 0);
+    from.connect("out", &to, "in");
+    from.send(1, immediate);
+    from.sendData(from.out, new Silent(2), immediate);
+    from.sendData(from.out, new Silent(3), queued);
+    EXPECT_EQ(flow.received(), "void void void ");
+}
+
 // Whatever its value does when it is superseded, and however it left the queue.
 TEST(qzEventHandler, CoalescingInputKeepsOneUndeliveredMessage) {
     const Dataflow flow;
