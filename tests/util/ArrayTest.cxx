@@ -1,11 +1,9 @@
 #include "util/Array.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
+#include <array>
+#include <functional>
 #include <random>
-#include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -15,32 +13,16 @@
 
 namespace {
 
-// The bookkeeping, which counts in bytes.
-template <class Array> struct Probe : Array {
-    using Array::allocated;
-    using Array::Array;
-    using Array::data;
-    using Array::used;
-};
-
-qzIntArray fromInts(const std::vector<int>& values) {
-    qzIntArray a;
-    for (int value : values)
-        a.append(value);
-    return a;
-}
-
-std::vector<int> toInts(const qzIntArray& a) {
-    return a.length() ? std::vector<int>(&a[0], &a[0] + a.length()) : std::vector<int>();
-}
-
 // Elements whose constructions and destructions are counted.
 struct Counter {
     static inline int live = 0;
-    Counter(int value = 0) : value(value) { ++live; }
+    explicit Counter(int value = 0) : value(value) { ++live; }
     Counter(const Counter& other) : Counter(other.value) {}
+    Counter& operator=(const Counter&) = default;
     ~Counter() { --live; }
+    bool operator==(const Counter& other) const { return value == other.value; }
     int value;
+    const Counter* self = this; // is not compared
 };
 int compare(const Counter& a, const Counter& b) { return a.value - b.value; }
 
@@ -48,200 +30,251 @@ struct CounterArray : qzTypedArray<CounterArray, Counter, qzObjectElements<Count
     using qzTypedArray::qzTypedArray;
 };
 
+// The bookkeeping, which counts in bytes.
+struct ProbeArray : qzIntArray {
+    using qzArray::allocated;
+};
+
+template <class Array, class Element = typename Array::Element>
+std::vector<Element> elements(const Array& a) {
+    return a.length() ? std::vector<Element>(&a[0], &a[0] + a.length()) : std::vector<Element>();
+}
+
 TEST(qzArray, SingleAppendsGrowByFourEverythingElseExactly) {
-    Probe<qzIntArray> a;
-    const auto expectCapacity = [&a](unsigned bytes) { EXPECT_EQ(a.allocated, bytes); };
+    ProbeArray a;
     for (int i = 0; i < 5; ++i)
         a.append(i);
-    expectCapacity(32);
-    a.setMaxLength(0); // trims to what is used
-    expectCapacity(20);
-    a.insert(7, 0); // one more, not four
-    expectCapacity(24);
-    a.append(fromInts({8, 9}));
-    expectCapacity(32);
-    a.remove(0, 6);
-    expectCapacity(32); // kept
-    a.resize(1);
-    expectCapacity(4);
-    a.setMaxLength(10);
-    expectCapacity(40);
-    a.resize(0);
-    EXPECT_EQ(a.data, nullptr);
-    EXPECT_EQ(qzIntArray(3).length(), 3u); // at once
+    EXPECT_EQ(a.allocated, 32u);
+    const struct {
+        std::function<void()> change;
+        unsigned bytes;
+    } rows[] = {
+        {[&] { a.setMaxLength(0); }, 20},                // trims to what is used
+        {[&] { a.insert(7, 0); }, 24},                // one more, not four
+        {[&] { a.append(a.head(2)); }, 32}, {[&] { a.remove(0, 6); }, 32}, // kept
+        {[&] { a = ProbeArray(a); }, 8},    {[&] { a.setMaxLength(10); }, 40},
+        {[&] { a.resize(1); }, 4},          {[&] { a.resize(0); }, 0},
+    };
+    for (const auto& row : rows) {
+        row.change();
+        EXPECT_EQ(a.allocated, row.bytes);
+    }
+    EXPECT_FALSE(a.raw_extract(0, 0) || a.raw_copy());
     EXPECT_EQ(qzVoidPtrArray(2)[1], nullptr);
 }
 
-TEST(qzArray, RandomEditsAgreeWithVector) {
+template <class Array> void expectVectorsEdits() {
+    using Element = typename Array::Element;
     std::mt19937 random(20);
-    qzIntArray a;
-    std::vector<int> model;
-    const auto below = [&](std::size_t n) { return static_cast<unsigned>(random() % n); };
-    for (int step = 0; step < 5000; ++step) {
-        SCOPED_TRACE(step);
-        const unsigned pos = below(model.size() + 1);
-        const unsigned count = below(model.size() - pos + 1);
-        const auto at = model.begin() + pos;
-        const std::vector<int> part(at, at + count);
-        switch (below(8)) {
-        case 0:
-            a.append(step);
-            model.push_back(step);
-            break;
-        case 1:
-            a.insert(step, pos);
-            model.insert(at, step);
-            break;
-        case 2:
-            a.remove(pos, count / 4);
-            model.erase(at, at + count / 4);
-            break;
-        case 3:
-            a.append(a.extract(pos, count));
-            model.insert(model.end(), part.begin(), part.end());
-            break;
-        case 4:
-            ASSERT_EQ(toInts(a.cut(pos, count)), part);
-            model.erase(at, at + count);
-            break;
-        case 5:
-            if (count == 0) break;
-            a.swap(pos, 0);
-            std::swap(model[pos], model[0]);
-            break;
-        case 6:
-            ASSERT_EQ(toInts(a.head(pos)), std::vector<int>(model.begin(), at));
-            ASSERT_EQ(toInts(a.tail(pos)), std::vector<int>(model.end() - pos, model.end()));
-            break;
-        case 7: {
-            const int wanted = model.empty() ? 0 : model[below(model.size())];
-            const auto hit = std::find(at, model.end(), wanted);
-            ASSERT_EQ(a.find(wanted, pos), hit == model.end() ? -1 : hit - model.begin());
-            a.setMaxLength(pos);
+    Array a;
+    std::vector<Element> model, part; // part: n elements of the model, from at
+    unsigned at = 0, n = 0;
+    Element fresh, own; // own: the model's, at
+    const auto put = [&](unsigned position, const std::vector<Element> elements) {
+        model.insert(model.begin() + position, elements.begin(), elements.end());
+    };
+    const auto drop = [&](unsigned position, unsigned count) {
+        model.erase(model.begin() + position, model.begin() + position + count);
+    };
+    const struct {
+        std::function<void()> change, expected;
+    } operations[] = {
+        {[&] { a.append(fresh); }, [&] { model.push_back(fresh); }},
+        {[&] { a.append(a[at]); }, [&] { model.push_back(own); }},
+        {[&] { a.insert(fresh, at); }, [&] { put(at, {fresh}); }},
+        {[&] { a.insert(a[at], n); }, [&] { put(n, {own}); }},
+        {[&] { a.append(a); }, [&] { put(model.size(), model); }},
+        {[&] { a.insert(a, at); }, [&] { put(at, model); }},
+        {[&] { a.insert(a.extract(at, n), n); }, [&] { put(n, part); }},
+        {[&] { a = a.cut(at, n); }, [&] { model = part; }},
+        {[&] { a.cut(at, n); }, [&] { drop(at, n); }},
+        {[&] { a.remove(at, n); }, [&] { drop(at, n); }},
+        {[&] { a = a.head(n); }, [&] { model.resize(n); }},
+        {[&] { a = a.tail(n); }, [&] { drop(0, model.size() - n); }},
+        {[&] { a.swap(at, n / 2); }, [&] { std::swap(model[at], model[n / 2]); }},
+        {[&] { a.setMaxLength(at); }, [] {}},
+        {[&] { a = *&a; }, [] {}},
+        {[&] { a = Array(a); }, [] {}},
+    };
+    for (int step = 0; step < 10000; ++step) {
+        fresh = Element(step);
+        if (model.empty()) {
+            a.resize(1);
+            a[0] = fresh;
+            model.push_back(fresh);
         }
-        }
+        at = random() % model.size();
+        n = random() % (model.size() - at + 1);
+        own = model[at];
+        part.assign(model.begin() + at, model.begin() + at + n);
+        const auto hit = std::find(model.begin() + n, model.end(), own);
+        ASSERT_EQ(a.find(own, n), hit == model.end() ? -1 : hit - model.begin());
+        ASSERT_EQ(a.find(own, a.length() + n), -1);
+        const unsigned i = random() % std::size(operations);
+        operations[i].change();
+        operations[i].expected();
         model.resize(std::min<std::size_t>(model.size(), 200));
         a.resize(static_cast<unsigned>(model.size()));
-        ASSERT_EQ(toInts(a), model);
+        ASSERT_EQ(elements(a), model) << "step " << step << ", operation " << i;
     }
 }
 
-TEST(qzArray, ArgumentsMayLieInsideTheArray) {
-    qzIntArray a = fromInts({1, 2, 3, 4});
-    a.append(a[0]); // the block is full and moves
-    a.insert(a[4], 0);
-    a.insert(a[0], 3);
-    EXPECT_EQ(toInts(a), (std::vector<int>{1, 1, 2, 1, 3, 4, 1}));
-    a = fromInts({1, 2, 3});
-    a.insert(a, 1);
-    a.append(a);
-    a = *&a;
-    EXPECT_EQ(toInts(a), (std::vector<int>{1, 1, 2, 3, 2, 3, 1, 1, 2, 3, 2, 3}));
-
-    qzStrArray s;
-    for (const char* text : {"a", "b", "c", "d"})
-        s.append(text);
-    s.append(s[0]);
-    s.insert(s[4], 1);
-    s.insert(s, 5);
-    s = *&s;
-    std::string all;
-    for (unsigned i = 0; i < s.length(); ++i)
-        all += s[i].data;
-    EXPECT_EQ(all, "aabcdaabcdaa");
-}
-
-TEST(qzArray, ElementsAreConstructedAndDestroyedOnce) {
-    {
-        CounterArray a(3);
-        for (int i = 0; i < 6; ++i)
-            a.append(i);
-        a.insert(a[8], 0);
-        EXPECT_EQ(a[0].value, 5);
-        a.remove(0, 4);
-        a.resize(10);
-        a.resize(2);
-        a.insert(a, 1);
-        EXPECT_EQ(Counter::live, 4);
-        std::free(a.raw_cut(0, 1)); // moved out, so still alive
-        std::free(a.raw_copy());
-        EXPECT_EQ(Counter::live, 7);
-        CounterArray copy(a);
-        copy = a; // the old ones go
-        EXPECT_EQ(Counter::live, 10);
-    }
-    EXPECT_EQ(Counter::live, 4);
-}
-
-TEST(qzArray, NoElementsMeanNoBlock) {
-    qzIntArray a = fromInts({1, 2}), empty;
-    EXPECT_FALSE(a.raw_extract(1, 0) || a.raw_head(0) || a.raw_tail(0) || a.raw_cut(2, 0));
-    EXPECT_EQ(a.find(1, 99), -1);
-    EXPECT_EQ(empty.raw_copy(), nullptr);
-    empty.qsort();
-    empty.append(empty);
-    EXPECT_EQ(empty.length(), 0u);
+TEST(qzArray, RandomEditsAgreeWithVector) {
+    expectVectorsEdits<qzIntArray>();
+    expectVectorsEdits<CounterArray>();
+    EXPECT_EQ(Counter::live, 0);
+    EXPECT_EQ(qzIntArray(3).length(), 3u); // at once
 }
 
 TEST(qzArray, PlainElementsOrderByBytesNotByValue) {
-    // In memory 256 begins with a zero byte and -1 with 0xff.
-    qzIntArray a = fromInts({1, -1, 256, 0x01010101});
-    a.qsort();
-    EXPECT_EQ(toInts(a), (std::vector<int>{256, 1, 0x01010101, -1}));
+    qzIntArray a;
+    for (int value : {1, -1, 256, 0x01010101})
+        a.append(value);
+    a.qsort(); // in memory 256 begins with a zero byte and -1 with 0xff
+    EXPECT_EQ(elements(a), (std::vector<int>{256, 1, 0x01010101, -1}));
     EXPECT_EQ(a.compareElements(&a[0], &a[1]), -1);
     EXPECT_EQ(a.compareElements(&a[1], &a[0]), 1);
 }
 
-TEST(qzArray, LargeElementsAreMovedWhole) {
-    struct LargeArray : qzArray {
-        LargeArray() : qzArray(3000, 0) {}
-        const char* className() const override { return "ARRAY"; }
-    } a;
-    for (char c : {'c', 'a', 'b'})
-        a.append(std::string(3000, c).data());
-    a.swap(0, 2);
-    const auto tag = [&a](unsigned i) { return static_cast<char*>(a[i])[2999]; };
-    EXPECT_EQ(tag(2), 'c');
-    a.qsort();
-    EXPECT_TRUE(tag(0) == 'a' && tag(1) == 'b');
-}
+// Sorting, against the plain recursive form of the same partition.
+using Item = std::array<int, 2>; // the key, and what tells equal keys apart
 
-TEST(qzTypedArray, CopiesAreIndependentAndExact) {
-    Probe<qzStrArray> a;
-    for (const char* text : {"one", "", "three"})
-        a.append(text);
-    Probe<qzStrArray> b(a);
-    EXPECT_EQ(b.allocated, b.used);
-    b[0] = "changed";
-    EXPECT_TRUE(a[0] == "one");
-    a = b;
-    EXPECT_EQ(a.allocated, a.used);
-    EXPECT_TRUE(a[0] == "changed");
-    EXPECT_EQ(a[1].data, &qzStr::emptyString);
-    EXPECT_EQ(a.find("three"), 2);
-    EXPECT_STREQ(a.className(), "ARRAY");
-}
-
-// A class keeps its own order: derived from a member, and a member itself.
-TEST(qzTypedArray, OwnComparisonsRuleTheSort) {
-    struct Descending : qzIntArray {
-        int compareElements(const void* a, const void* b) const override {
-            return *static_cast<const int*>(b) - *static_cast<const int*>(a);
-        }
-    } derived;
-    struct Member : qzTypedArray<Member, int> {
-        int compareElements(const void* a, const void* b) const override {
-            return *static_cast<const int*>(b) - *static_cast<const int*>(a);
-        }
-    } member;
-    for (int value : {3, 256, 2}) {
-        derived.append(value);
-        member.append(value);
+// Derived from a member of the family, whose order it changes.
+struct PlainItems : qzTypedArray<PlainItems, Item> {};
+struct ItemArray : PlainItems {
+    int compareElements(const void* a, const void* b) const override {
+        ++comparisons;
+        return *static_cast<const int*>(a) - *static_cast<const int*>(b);
     }
-    derived.qsort();
-    member.qsort();
-    EXPECT_EQ(toInts(derived), (std::vector<int>{256, 3, 2}));
-    EXPECT_TRUE(member[0] == 256 && member[2] == 2);
+    mutable unsigned long long comparisons = 0;
+};
+
+// The first element is the pivot; scans stop at equal elements.
+unsigned long long plainSort(std::vector<Item>& v, int lo, int hi) {
+    unsigned long long comparisons = 0;
+    const auto compare = [&](int i) {
+        ++comparisons;
+        return v[i][0] - v[lo][0];
+    };
+    int i = lo;
+    int j = hi + 1;
+    for (;;) {
+        while (i < hi && compare(++i) < 0) {
+        }
+        while (j > lo && compare(--j) > 0) {
+        }
+        if (i >= j) break;
+        std::swap(v[i], v[j]);
+    }
+    std::swap(v[lo], v[j]);
+    if (lo < j - 1) comparisons += plainSort(v, lo, j - 1);
+    if (j + 1 < hi) comparisons += plainSort(v, j + 1, hi);
+    return comparisons;
+}
+
+TEST(qzArraySort, ExchangesAreThoseOfThePlainPartition) {
+    std::mt19937 random(7);
+    for (int round = 0; round < 400; ++round) {
+        ItemArray a;
+        std::vector<Item> model(1 + random() % 60);
+        const unsigned distinct = 1 + random() % 40;
+        for (Item& item : model) {
+            item = {static_cast<int>(random() % distinct), static_cast<int>(a.length())};
+            a.append(item);
+        }
+        const int last = static_cast<int>(model.size()) - 1;
+        const unsigned long long expected = last ? plainSort(model, 0, last) : 0;
+        a.qsort();
+        ASSERT_EQ(elements(a), model) << "round " << round;
+        ASSERT_EQ(a.comparisons, expected);
+    }
+}
+
+// The shapes that drive a first-element pivot into the quadratic, and a large
+// recursion with it.
+TEST(qzArraySort, NoInputIsQuadratic) {
+    static const int n = 20000;
+    int (*const keys[])(int) = {
+        [](int i) { return i; },
+        [](int i) { return -i; },
+        [](int i) { return std::min(i, n - i); },
+        [](int) { return 1; },
+        [](int i) { return (i + n / 2) % n; },
+    };
+    for (const auto key : keys) {
+        ItemArray a;
+        for (int i = 0; i < n; ++i)
+            a.append({key(i), i});
+        a.qsort();
+        // Heapsort takes 2 n log2 n; the splits before it at most 100 n.
+        EXPECT_LT(a.comparisons, 140ull * n);
+        for (int i = 1; i < n; ++i)
+            ASSERT_LE(a[i - 1][0], a[i][0]);
+    }
+}
+
+// Elements that compare as plain bytes take faster ways to the same bytes, by
+// their size, number and order.
+template <unsigned size>
+struct BytesArray : qzTypedArray<BytesArray<size>, std::array<unsigned char, size>> {};
+
+template <unsigned size>
+void expectByteOrder(std::mt19937& random, unsigned length, unsigned values, unsigned shape) {
+    std::vector<std::array<unsigned char, size>> model(length);
+    for (auto& element : model)
+        for (unsigned char& byte : element)
+            byte = static_cast<unsigned char>(255 - random() % values);
+    if (shape) std::sort(model.begin(), model.end());
+    if (shape == 2) std::reverse(model.begin(), model.end());
+    if (shape == 3) model.back() = model.front();
+    BytesArray<size> a;
+    for (const auto& element : model)
+        a.append(element);
+    const unsigned start = random() % (length / 4 + 1);
+    const unsigned count = length - start - random() % (length / 4 + 1);
+    std::sort(model.begin() + start, model.begin() + start + count);
+    a.qsort(start, count);
+    for (unsigned i = 0; i < length; ++i)
+        ASSERT_EQ(a[i], model[i]) << i << " of " << length;
+    const auto hit = std::find(model.begin() + start, model.end(), model.back());
+    ASSERT_EQ(a.find(model.back(), start), hit - model.begin());
+}
+
+template <unsigned... sizes> void expectByteOrders() {
+    std::mt19937 random(3);
+    for (unsigned length : {1u, 2u, 31u, 65u, 300u, 3000u}) {
+        for (unsigned values : {1u, 2u, 256u}) {
+            for (unsigned shape : {0u, 1u, 2u, 3u})
+                (expectByteOrder<sizes>(random, length, values, shape), ...);
+        }
+    }
+    BytesArray<4>().qsort();
+}
+
+TEST(qzArraySort, PlainElementsOfEverySizeComeOutInByteOrder) {
+    expectByteOrders<1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 700>();
+}
+
+// Through the base every comparison is a call of the class's own.
+TEST(qzArraySort, StringsComeOutAsThePlainPartitionLeavesThem) {
+    std::mt19937 random(5);
+    for (int round = 0; round < 300; ++round) {
+        const std::string common(random() % 12, 'p');
+        const unsigned length = random() % 80, tail = 1 + random() % 12;
+        qzStrArray strings;
+        for (unsigned i = 0; i < length; ++i) {
+            std::string text = common;
+            for (unsigned k = random() % tail; k; --k)
+                text += "\0a\xff"[random() % 3]; // strcmp takes many of these for equal
+            strings.append(qzStr(text.data(), text.size()));
+        }
+        qzStrArray plain(strings);
+        const unsigned start = random() % (length / 4 + 1), count = (length - start) * 3 / 4;
+        strings.qsort(start, count);
+        static_cast<qzArray&>(plain).qsort(start, count);
+        for (unsigned i = 0; i < length; ++i)
+            ASSERT_EQ(strings[i], plain[i]) << "round " << round;
+    }
 }
 
 } // namespace

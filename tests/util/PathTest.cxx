@@ -2,7 +2,8 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <string>
+#include <filesystem>
+#include <fstream>
 
 #include <gtest/gtest.h>
 
@@ -11,6 +12,9 @@
 
 #include "util/Companion.h"
 #include "util/Path.h"
+#include "util/SearchList.h"
+
+using namespace std::string_literals;
 
 namespace {
 
@@ -31,8 +35,7 @@ TEST(qzPath, SplitsAsTheFunctionsOnCStringsDo) {
         EXPECT_EQ(take(pathdirname(row.path)), row.directory) << row.path;
         EXPECT_EQ(take(pathbasename(row.path)), row.leaf) << row.path;
         qzPath path(row.path), leaf("longer than the path by far");
-        EXPECT_EQ(path.directory(), row.directory) << row.path;
-        EXPECT_EQ(path.leaf(), row.leaf) << row.path;
+        EXPECT_TRUE(path.directory() == row.directory && path.leaf() == row.leaf) << row.path;
         EXPECT_EQ(path.split(&path, &leaf), 0);
         EXPECT_TRUE(path == row.directory && leaf == row.leaf) << row.path << " as its own output";
     }
@@ -52,8 +55,8 @@ TEST(qzPath, PartsAreNoLongerThanThePath) {
         char first[] = "......", second[] = "......";
         const int status = fileutl_strip_leaf("/abc/def", capacity, first, capacity, second);
         EXPECT_EQ(status, capacity < 5 ? -1 : 0) << capacity;
-        EXPECT_EQ(first, std::string("/abc").substr(0, capacity - 1));
-        EXPECT_EQ(second, std::string("def").substr(0, capacity - 1));
+        EXPECT_EQ(first, "/abc"s.substr(0, capacity - 1));
+        EXPECT_EQ(second, "def"s.substr(0, capacity - 1));
         EXPECT_TRUE(first[capacity] == '.' && second[capacity] == '.') << capacity;
     }
 }
@@ -67,23 +70,35 @@ TEST(pathexpandtilde, TakesHomeOrTheUsersDirectory) {
     EXPECT_EQ(take(pathexpandtilde(unknown.c_str())), unknown);
     unsetenv("HOME");
     EXPECT_EQ(take(pathexpandtilde("~/x")), "/x");
-    if (const passwd* const self = getpwuid(getuid())) {
-        const std::string tilde = std::string("~") + self->pw_name + "/a/b";
-        EXPECT_EQ(take(pathexpandtilde(tilde.c_str())), std::string(self->pw_dir) + "/a/b");
-    }
+    const passwd* const root = getpwnam("root");
+    EXPECT_EQ(take(pathexpandtilde("~root/a/b")), root ? root->pw_dir + "/a/b"s : "~root/a/b");
 }
 
-TEST(symbolicLinkExtendedName, NeverWritesPastItsBlock) {
-    const std::string link = testing::TempDir() + "qz-link-" + std::to_string(getpid());
-    ASSERT_EQ(symlink("target", link.c_str()), 0);
-    for (unsigned size = 2; size < 9; ++size) {
-        const std::string expected = std::string("target").substr(0, size - 1);
-        EXPECT_EQ(take(symbolicLinkExtendedName(link.c_str(), size)), expected);
+// Works in a fresh directory with files in one/ and two/, removed at the end.
+struct Tree {
+    Tree() {
+        if (!mkdtemp(root.data())) std::abort();
+        std::filesystem::current_path(root);
+        std::filesystem::create_directory("one");
+        std::filesystem::create_directory("two");
+        for (const char* file : {"one/a.c", "one/ab.c", "one/a.cc", "one/xa.c", "two/a.c"})
+            std::ofstream{file};
     }
-    EXPECT_FALSE(symbolicLinkExtendedName(link.c_str(), 0));
-    EXPECT_FALSE(symbolicLinkExtendedName(link.c_str(), 1));
-    unlink(link.c_str());
-    for (const char* path : {link.c_str(), "/", static_cast<const char*>(nullptr)})
+    ~Tree() {
+        std::filesystem::current_path("..");
+        std::filesystem::remove_all(root);
+    }
+    std::string root = testing::TempDir() + "qz-search-XXXXXX";
+};
+
+TEST(symbolicLinkExtendedName, NeverWritesPastItsBlock) {
+    const Tree tree;
+    std::filesystem::create_symlink("target", "link");
+    for (unsigned size = 2; size < 9; ++size) {
+        EXPECT_EQ(take(symbolicLinkExtendedName("link", size)), "target"s.substr(0, size - 1));
+    }
+    EXPECT_FALSE(symbolicLinkExtendedName("link", 0) || symbolicLinkExtendedName("link", 1));
+    for (const char* path : {"none", "/", static_cast<const char*>(nullptr)})
         EXPECT_FALSE(symbolicLinkExtendedName(path, 100));
 }
 
@@ -97,7 +112,6 @@ TEST(environmentVariableExtendedName, NameAtTheEndStopsBeforeTheLastCharacter) {
     } rows[] = {{"", ""},
                 {"$QZ_HOME", "/hE"},
                 {"$QZ_HOM$", "/h$"},
-                {"$QZ_HOM/", "/h/"},
                 {"x$QZ_HOM y/$QZ_HOM/z", "x/h y//h/z"},
                 {"/$QZ_B/", "/$QZ_HOM/two/"}};
     for (const auto& [path, expected] : rows) {
@@ -108,6 +122,52 @@ TEST(environmentVariableExtendedName, NameAtTheEndStopsBeforeTheLastCharacter) {
     for (const char* path : {"a/$QZ_UNSET b", "x$QZ_HOM", "$QZ_HOM$BC", "$", "$$", "$/x", "$a",
                              static_cast<const char*>(nullptr)})
         EXPECT_FALSE(environmentVariableExtendedName(path, 100)) << path;
+}
+
+// Sorted, as the system lists names in any order.
+std::string found(const qzSearchList& list) {
+    qzStrArray paths(list);
+    paths.qsort();
+    std::string line;
+    for (unsigned i = 0; i < paths.length(); ++i)
+        line += (i ? " " : "") + std::string(paths[i].c_str());
+    return line;
+}
+
+TEST(qzSearchList, FirstMatchMustBeTheWholeName) {
+    const Tree tree;
+    EXPECT_EQ(found({"one", ".*\\.c"}), "one/a.c one/ab.c one/xa.c");
+    EXPECT_EQ(found({"one", "\\.+"}), "one/. one/..");
+    EXPECT_EQ(found({"one", "a\\.c|a\\.cc"}), "one/a.c");
+    EXPECT_EQ(found({"one", "a\\.cc|a\\.c"}), "one/a.c one/a.cc");
+    EXPECT_EQ(found({"one", "(a"}), "") << "malformed";
+}
+
+TEST(qzSearchList, PutsOneSlashAfterTheDirectoryAsItStands) {
+    const Tree tree;
+    EXPECT_EQ(found({"two/", "a.*"}), "two//a.c");
+    const qzSearchList list(":two::none:one/a.c:one:", "a\\.c");
+    EXPECT_TRUE(list.length() == 2 && list[0] == "two/a.c" && list[1] == "one/a.c");
+}
+
+TEST(qzSearchList, ReadsTheDirectoriesOnlyForAChange) {
+    const Tree tree;
+    const int descriptor = dup(1);
+    qzSearchList list("two", "[ab]\\.c");
+    std::ofstream("two/b.c");
+    list.searchList("two");
+    list.regexp("[ab]\\.c");
+    list.searchCriteria("two", "[ab]\\.c");
+    EXPECT_EQ(found(list), "two/a.c");
+    list.regexp("[abc]\\.c");
+    EXPECT_EQ(found(list), "two/a.c two/b.c");
+    list.searchList("one");
+    EXPECT_EQ(found(list), "one/a.c");
+    list.searchCriteria("one", "xa\\.c");
+    EXPECT_EQ(found(list), "one/xa.c");
+    list.searchCriteria(nullptr, "xa\\.c");
+    EXPECT_EQ(found(list), "");
+    EXPECT_EQ(dup(1), descriptor + 1) << "a directory has been left open";
 }
 
 } // namespace
