@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <climits>
 #include <csignal>
 #include <map>
 #include <random>
@@ -145,7 +144,6 @@ TEST(qzIndexableList, SplicingBehindTheLastIndexKeepsTail) {
     list.appendListAt(1, &other);
     EXPECT_EQ(list.tail, &items[1]);
     EXPECT_EQ(list.tail->next, &items[2]);
-    EXPECT_EQ(list.count, 3);
 }
 
 TEST(HashTable, AgreesWithAMapAndDoublesWhenFull) {
@@ -166,7 +164,6 @@ TEST(HashTable, AgreesWithAMapAndDoublesWhenFull) {
             ASSERT_EQ(table.size, size);
         }
     }
-    ASSERT_GT(additions, 8192);
 }
 
 TEST(HashTable, KeysGoToTheBucketOfTheirHash) {
@@ -184,8 +181,7 @@ TEST(HashTable, KeysGoToTheBucketOfTheirHash) {
         for (int bits = 6; bits <= 11; ++bits) {
             while (table.bits < bits)
                 table.addElement(0);
-            HashEntry* const chain = table.buckets[row.buckets[bits - 6]];
-            EXPECT_TRUE(HashTable::searchBucketFor(chain, row.key)) << row.key << ' ' << bits;
+            EXPECT_TRUE(HashTable::searchBucketFor(table.buckets[row.buckets[bits - 6]], row.key));
         }
     }
 }
@@ -200,12 +196,6 @@ TEST(HashTable, RemovalDoesNotLowerTheCount) {
     table.add(256u << 20, items);
     EXPECT_EQ(table.size, 128);
     EXPECT_EQ(table.buckets[0]->next->key, 0u); // growing turns the chains round
-}
-
-TEST(HashTableDeathTest, DuplicateKeyAborts) {
-    HashTable table;
-    table.add(1, nullptr);
-    EXPECT_EXIT(table.add(1, items), aborted, "^$");
 }
 
 int noAtoms(NameSpace*) { return 0; }
@@ -228,8 +218,8 @@ TEST(NameSpace, AgreesWithAMapOverNamesFullOfPrefixesAndHighBytes) {
     }
     for (const auto& [name, atom] : model)
         ASSERT_STREQ(names.nameForAtom(atom), name.c_str());
-    EXPECT_FALSE(names.validAtom(0) || names.validAtom(ULONG_MAX));
-    EXPECT_EQ(names.nameForAtom(model.size() + 1), nullptr);
+    EXPECT_FALSE(names.validAtom(0) || names.validAtom(~0ul) ||
+                 names.nameForAtom(model.size() + 1));
 }
 
 TEST(NameSpace, HashPairsSignedCharactersFromBothEnds) {
@@ -280,12 +270,15 @@ TEST(NameSpaceDeathTest, LopsidedTreeIsReleasedOnASmallStack) {
     EXPECT_EXIT((makeAndFree(), std::exit(0)), testing::ExitedWithCode(0), "");
 }
 
-TEST(NameSpaceDeathTest, WrongNumberingAndNumbersTooHighAbort) {
+TEST(TablesDeathTest, UsedKeysWrongNumberingAndNumbersTooHighAbort) {
     NameSpace numbered(noAtoms, 1), counted(noAtoms, 0);
+    HashTable table;
+    table.add(1, nullptr);
+    EXPECT_EXIT(table.add(1, items), aborted, "^$");
     EXPECT_EXIT(numbered.makeAtom("a", 1), aborted, "^$");
     EXPECT_EXIT(counted.makeAtom(1, "a", 1, 1), aborted, "^$");
-    EXPECT_EXIT(numbered.makeAtom(ULONG_MAX, "a", 1, 1), aborted, "^$");
-    EXPECT_EXIT(numbered.makeAtom(ULONG_MAX / 4 * 3, "a", 1, 1), aborted, "^$");
+    EXPECT_EXIT(numbered.makeAtom(~0ul, "a", 1, 1), aborted, "^$");
+    EXPECT_EXIT(numbered.makeAtom(~0ul / 4 * 3, "a", 1, 1), aborted, "^$");
     EXPECT_EXIT(NameSpace([](NameSpace*) { return 1; }, 0), testing::ExitedWithCode(255), "^$");
 }
 

@@ -7,7 +7,6 @@
 #include "util/Str.h"
 #include "util/VersionStamp.h"
 
-#include <climits>
 #include <csignal>
 #include <fstream>
 
@@ -91,7 +90,7 @@ TEST(qzSequencer, NumbersGrowTheFirstRun) {
         {{5, 9}, {4, 3, 2, 1, 0, 6, 7, 8, 10}, " 0+11"},
         {{9, 0, 2, 4}, {1, 3, 5}, " 0+6 9+1"}, // absorbs one run at a time
         {{0, 1, 10, 2, 7, 6, 8}, {}, " 0+3 6+3 10+1"},
-        {{UINT_MAX, UINT_MAX - 1, 0}, {}, " 0+1 4294967294+2"}, // no wrapping round
+        {{~0u, ~0u - 1, 0}, {}, " 0+1 4294967294+2"}, // no wrapping round
     };
     for (const auto& row : rows) {
         ProbeSequencer sequencer;

