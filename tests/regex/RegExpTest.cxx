@@ -294,7 +294,7 @@ TEST(qzSLinearPattern, DerivedClassesSeeTheFieldsAndReplaceTheSearch) {
         using qzSLinearPattern::qzSLinearPattern;
         int findBuffer(const char*, unsigned) const override {
             const void* const fields[] = {skip, &pattern, &patternLength};
-            return std::is_sorted(fields, fields + 3) ? skip['a'] + skip[0xff] : -1;
+            return std::is_sorted(fields, fields + 3) ? skip[unsigned{'a'}] + skip[0xff] : -1;
         }
     };
     const Derived pattern(qzStr("a\xe9\0b", 4));

@@ -42,16 +42,16 @@ std::vector<Element> elements(const Array& a) {
 
 TEST(qzArray, SingleAppendsGrowByFourEverythingElseExactly) {
     ProbeArray a;
-    for (int i = 0; i < 5; ++i)
+    for (int i = 0; i < 9; ++i)
         a.append(i);
-    EXPECT_EQ(a.allocated, 32u);
+    EXPECT_EQ(a.allocated, 48u);
     const struct {
         std::function<void()> change;
         unsigned bytes;
     } rows[] = {
-        {[&] { a.setMaxLength(0); }, 20},                // trims to what is used
-        {[&] { a.insert(7, 0); }, 24},                // one more, not four
-        {[&] { a.append(a.head(2)); }, 32}, {[&] { a.remove(0, 6); }, 32}, // kept
+        {[&] { a.setMaxLength(0); }, 36},                // trims to what is used
+        {[&] { a.insert(7, 0); }, 40},                // one more, not four
+        {[&] { a.append(a.head(2)); }, 48}, {[&] { a.remove(0, 10); }, 48}, // kept
         {[&] { a = ProbeArray(a); }, 8},    {[&] { a.setMaxLength(10); }, 40},
         {[&] { a.resize(1); }, 4},          {[&] { a.resize(0); }, 0},
     };
