@@ -74,7 +74,7 @@ def operations(label, keys, columns, target=None):
                             KEYS, target=target or its)]
 
 
-KEYS = [1000, 100000]
+KEYS = [100, 1000, 100000]
 HASH_TABLES = "here|`std::unordered_map`|Boost|Abseil flat|`QHash`|`GHashTable`"
 DICTIONARIES = "StrDict|StdDict|BoostDict|AbslDict|QtDict|GLibMap"
 INT_DICTIONARIES = "WordDict|StdInts|BoostInts|AbslInts|QtInts|GLibInts"

@@ -337,7 +337,7 @@ using QtInts = QtMap<unsigned long>;
     BENCHMARK_TEMPLATE(BM_Iterate, TABLE, KEYS)->Apply(sizes);                                     \
     BENCHMARK_TEMPLATE(BM_Memory, TABLE, KEYS)->Apply(sizes)->Iterations(1)
 
-void sizes(benchmark::internal::Benchmark* b) { b->RangeMultiplier(10)->Range(100, 100000); }
+void sizes(benchmark::internal::Benchmark* b) { b->Arg(100)->Arg(1000)->Arg(100000); }
 
 ALL_OF(StrDict, Words);
 ALL_OF(StdDict, Words);
