@@ -213,7 +213,7 @@ def markdown(cell, heads, rows_of_table, runs):
     for label, names, target in rows_of_table:
         if ours := runs.get(names[0]):
             lines.append([label] + [name in runs and cell(runs[name], ours) for name in names] +
-                         verdict(names, cell is ratio and target, runs))
+                         verdict(names, cell is not memory and target, runs))
     if len(lines) == 1:
         return ""
     lines = list(zip(*(column for column in zip(*lines) if any(column[1:]))))
