@@ -181,7 +181,7 @@ TABLES = {  # name: cells, heads, rows
         *rows("Start an empty program, CPU time", "BM_Start/CPU/*", "library|stdlib|bare",
               target=1.2, peers="stdlib"),
         *rows("Start an empty program, elapsed time", "BM_Start/elapsed/*", "library|stdlib|bare"),
-        *rows("Shared library, stripped", "BM_Size/*", "library")]),
+        *rows("Shared library, stripped", "BM_Size/*", "library|stdlib|bare")]),
 }
 
 
