@@ -8,7 +8,7 @@
 // 2 * log2(n) + 64 steps is finished by heapsort, which bounds the time at
 // O(n log n). Elements move as raw bytes.
 //
-// Tested by tests/util/ArraySortTest.cxx, against the plain recursive form.
+// Tested by tests/util/ArrayTest.cxx, against the plain recursive form.
 #ifndef QZ_UTIL_DETAIL_ARRAYSORT_H
 #define QZ_UTIL_DETAIL_ARRAYSORT_H
 

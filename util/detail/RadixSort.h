@@ -15,7 +15,7 @@
 // Elements that stand in order or the other way round already are found by one
 // look at each; elements in no order have that look end at the first few.
 //
-// Tested by tests/util/ArraySortTest.cxx, at every size.
+// Tested by tests/util/ArrayTest.cxx, at every size.
 #ifndef QZ_UTIL_DETAIL_RADIXSORT_H
 #define QZ_UTIL_DETAIL_RADIXSORT_H
 
