@@ -135,11 +135,14 @@ unsigned char qzBinaryWriter::writeBytes(const void* bytes, unsigned n) {
 }
 
 // Bytes that fill records, of which many are put together: a stream call for each
-// costs as much as copying it.
+// costs as much as copying it, and a system call for a few of them even more.
 unsigned char qzBinaryWriter::writeFullRecords(const char* from, unsigned n) {
-    const unsigned together = 32;
-    char records[together * (headerSize + maxData)];
-    while (n > 0) {
+    const unsigned most = 120;
+    const unsigned together = n / capacity < most ? n / capacity : most;
+    char* const records =
+        static_cast<char*>(qzRawAlloc(std::size_t(together) * (headerSize + maxData)));
+    unsigned char arePut = 1;
+    while (arePut && n > 0) {
         const unsigned kind = record.kind;
         char* end = records;
         for (unsigned i = 0; i < together && n > 0; ++i) {
@@ -152,12 +155,11 @@ unsigned char qzBinaryWriter::writeFullRecords(const char* from, unsigned n) {
             n -= capacity;
             record.kind = Continuation;
         }
-        if (!putRecords(records, end - records)) {
-            record.kind = kind;
-            return 0;
-        }
+        arePut = putRecords(records, end - records);
+        if (!arePut) record.kind = kind;
     }
-    return 1;
+    qzRawFree(records);
+    return arePut;
 }
 
 unsigned char qzBinaryWriter::writeNull() {
