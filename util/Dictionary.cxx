@@ -46,13 +46,8 @@ void qzDictionary::destroyKey(void*) const {}
 
 void qzDictionary::destroyValue(void*) const {}
 
-// A class derived from this one may have changed the chains without asking: an
-// index that has come not to fit is dropped before it seems to fit again.
 KeyIndex* qzDictionary::index() const {
-    if (!mayHaveIndex()) return nullptr;
-    KeyIndex* const fitting = Chains::fitting(this, buckets, numItems);
-    if (!fitting) Chains::dropMisfit(this);
-    return fitting;
+    return mayHaveIndex() ? Chains::current(this, buckets, numItems) : nullptr;
 }
 
 qzDictionary::Place qzDictionary::walk(const void* key, unsigned chain) const {

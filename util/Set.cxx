@@ -50,13 +50,8 @@ void qzSet::copyKey(const void* src, void* dst) const { qzRawMove(dst, src, keyS
 
 void qzSet::destroyKey(void*) const {}
 
-// A class derived from this one may have changed the chains without asking: an
-// index that has come not to fit is dropped before it seems to fit again.
 KeyIndex* qzSet::index() const {
-    if (!mayHaveIndex()) return nullptr;
-    KeyIndex* const fitting = Chains::fitting(this, buckets, numItems);
-    if (!fitting) Chains::dropMisfit(this);
-    return fitting;
+    return mayHaveIndex() ? Chains::current(this, buckets, numItems) : nullptr;
 }
 
 qzSet::Place qzSet::walk(const void* key, unsigned chain) const {

@@ -33,9 +33,13 @@ template <class Heads> class IndexedChains {
         KeyIndex* const found = known(container);
         return found && found->fits(&heads[0], heads.length(), entries) ? found : nullptr;
     }
-    static void dropMisfit(const void* container) {
-        const KeyIndex* const found = known(container);
-        if (found && !found->givenUp()) qzForgetIndex(container);
+    // The same. A class derived from the container's may have changed the chains
+    // without asking: one that has come not to fit is dropped, before it seems to
+    // fit again.
+    static KeyIndex* current(const void* container, const Heads& heads, unsigned entries) {
+        KeyIndex* const found = fitting(container, heads, entries);
+        if (!found) dropMisfit(container);
+        return found;
     }
     // Where none fits: makes it if the keys are of a known kind, in time that grows
     // with the entries; null when there is nothing to search in.
@@ -68,8 +72,10 @@ template <class Heads> class IndexedChains {
     static KeyIndex* known(const void* container) {
         return static_cast<KeyIndex*>(qzKeyIndexes.find(container));
     }
-    // Twice what isLarge() asks for, lest a container whose size swings about that
-    // makes one again and again.
+    static void dropMisfit(const void* container) {
+        const KeyIndex* const found = known(container);
+        if (found && !found->givenUp()) qzForgetIndex(container);
+    }
     KeyIndex* build(qzKeyKind kind, std::size_t entryBytes) const;
     enum Outcome { complete, notNow, never };
     Outcome fill(KeyIndex& index, std::size_t entryBytes) const;
